@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -110,6 +111,17 @@ void Terminal::Write(const std::uint8_t* bytes, std::size_t count) {
         if (written <= 0) return;
         bytes += written;
         count -= static_cast<std::size_t>(written);
+    }
+}
+
+void Terminal::WaitUntilRead() const {
+    // Bytes reach the other end's buffer a little after the write, so one look is not enough.
+    int looksEmpty = 0;
+    for (int ms = 0; ms < 500 && looksEmpty < 5; ++ms) {
+        int waiting = 0;
+        ioctl(other_, FIONREAD, &waiting);
+        looksEmpty = waiting == 0 ? looksEmpty + 1 : 0;
+        SleepUntilNs(NowNs() + 1'000'000);
     }
 }
 

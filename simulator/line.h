@@ -34,6 +34,9 @@ class Terminal {
     const std::string& Name() const { return name_; }
     /// What the buffer of the terminal doesn't take is lost, as on a real line.
     void Write(const std::uint8_t* bytes, std::size_t count);
+    /// Waits, for half a second at most, until the other side has read what was written: closing throws
+    /// away what still stands in the terminal.
+    void WaitUntilRead() const;
 
   private:
     int own_ = -1;

@@ -156,7 +156,8 @@ class Simulator {
     void DropByte(int code, int index, int n = 1);
     /// Carried out; these bytes come instead of the answer.
     void ReplaceReply(int code, Bytes bytes, int n = 1);
-    /// The terminal vanishes after `bytesSent` bytes of the answer.
+    /// The terminal vanishes after `bytesSent` bytes of the answer; what the program hasn't read within
+    /// half a second is lost with it.
     void VanishAt(int code, int bytesSent = 0);
     /// Whole map blocks stay unanswered and are not taken; cells are.
     void RefuseMapBlocks(bool refuse);

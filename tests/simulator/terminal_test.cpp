@@ -89,7 +89,6 @@ TEST(Vanish, WhileAnAnswerIsAwaited_EndsTheWait) {
     EXPECT_EQ(port.Take(103).size(), 10u);
     EXPECT_TRUE(port.Gone());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kPatienceMs));
-    // The order is carried out after the terminal has gone, and before this returns.
     device.Return();
     Port again(device.PortName());
     EXPECT_EQ(again.Ask(0x86).size(), 103u);
