@@ -28,9 +28,6 @@ constexpr int kFrameGapMs = 50;
 // the thread wakes this much early for it and watches the clock.
 constexpr std::int64_t kWakeEarlyNs = 40'000;
 
-// So long after an answer the thread looks for the next request without sleeping, for the same reason.
-constexpr std::int64_t kAttentiveNs = 150'000;
-
 enum class Command { Vanish, Return, Say };
 
 struct Order {
@@ -165,13 +162,7 @@ void Simulator::Body::Run() {
         }
         pollfd watched[2] = {{wake, POLLIN, 0}, {terminal.Descriptor(), POLLIN, 0}};
         const nfds_t count = terminal.IsOpen() ? 2 : 1;
-        int ready = 0;
-        // A program that asks again at once is heard at once, without the time that a wake-up takes.
-        const std::int64_t attentiveNs = options.Pace ? answerFromNs + kAttentiveNs : 0;
-        do {
-            ready = poll(watched, count, 0);
-        } while (ready == 0 && NowNs() < attentiveNs);
-        if (ready == 0) ready = poll(watched, count, reader.Pending() ? kFrameGapMs : -1);
+        const int ready = poll(watched, count, reader.Pending() ? kFrameGapMs : -1);
         if (watched[0].revents) Drain();
         if (count == 2 && watched[1].revents) Hear();
         if (ready == 0) {
