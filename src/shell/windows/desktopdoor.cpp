@@ -1,0 +1,131 @@
+#include "shell/windows/desktopdoor.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPointer>
+
+#include "shell/windows/frmMain.h"
+#include "shell/windows/shown.h"
+#include "util/desktop.h"
+
+namespace zandrel {
+namespace {
+
+bool PointerIsBusy = false;
+
+struct BoxRow {
+    Box Kind;
+    QMessageBox::Icon Icon;
+    QMessageBox::StandardButtons Buttons;
+    QMessageBox::StandardButton Escape;
+};
+
+// clang-format off
+const BoxRow kBoxes[] = {
+    {Box::Plain,            QMessageBox::NoIcon,      QMessageBox::Ok,                     QMessageBox::Ok},
+    {Box::Critical,         QMessageBox::Critical,    QMessageBox::Ok,                     QMessageBox::Ok},
+    {Box::Exclamation,      QMessageBox::Warning,     QMessageBox::Ok,                     QMessageBox::Ok},
+    {Box::SaveQuestion,     QMessageBox::Warning,
+     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,                             QMessageBox::Cancel},
+    {Box::YesNo,            QMessageBox::Warning,     QMessageBox::Yes | QMessageBox::No,  QMessageBox::No},
+    {Box::Information,      QMessageBox::Information, QMessageBox::Ok,                     QMessageBox::Ok},
+    {Box::YesNoInformation, QMessageBox::Information, QMessageBox::Yes | QMessageBox::No,  QMessageBox::No},
+};
+// clang-format on
+
+Answer AnswerOf(QMessageBox::StandardButton button) {
+    switch (button) {
+        case QMessageBox::Yes:
+            return Answer::Yes;
+        case QMessageBox::No:
+            return Answer::No;
+        case QMessageBox::Cancel:
+            return Answer::Cancel;
+        default:
+            return Answer::Ok;
+    }
+}
+
+QWidget* Over(frmMain* main) {
+    return main != nullptr && main->isVisible() ? main : nullptr;
+}
+
+// Shows a dialog and waits until it is closed or the application ends.
+void WaitFor(QDialog& dialog) {
+    QEventLoop loop;
+    QObject::connect(&dialog, &QDialog::finished, &loop, &QEventLoop::quit);
+    dialog.open();
+    loop.exec();
+}
+
+Answer ShowBox(QWidget* over, const std::string& text, Box box) {
+    const BoxRow* row = kBoxes;
+    for (const BoxRow& candidate : kBoxes) {
+        if (candidate.Kind == box) row = &candidate;
+    }
+    QMessageBox window(over);
+    window.setObjectName(QStringLiteral("MessageBox"));
+    window.setWindowTitle(QStringLiteral("Zandrel"));
+    window.setTextFormat(Qt::PlainText);
+    window.setText(Shown(text));
+    window.setIcon(row->Icon);
+    window.setStandardButtons(row->Buttons);
+    window.setEscapeButton(row->Escape);
+    // A question may come while an operation keeps the pointer busy.
+    const bool busy = PointerIsBusy;
+    if (busy) QApplication::setOverrideCursor(Qt::ArrowCursor);
+    WaitFor(window);
+    if (busy) QApplication::restoreOverrideCursor();
+    const auto button = window.standardButton(window.clickedButton());
+    return AnswerOf(button == QMessageBox::NoButton ? row->Escape : button);
+}
+
+std::string ChooseFile(QWidget* over, const std::string& proposed) {
+    QFileDialog window(over);
+    window.setObjectName(QStringLiteral("FileDialog"));
+    window.setWindowTitle(QStringLiteral("Zandrel"));
+    window.setAcceptMode(QFileDialog::AcceptSave);
+    window.setFileMode(QFileDialog::AnyFile);
+    window.selectFile(Shown(proposed));
+    WaitFor(window);
+    if (window.result() != QDialog::Accepted || window.selectedFiles().isEmpty()) return {};
+    return window.selectedFiles().first().toStdString();
+}
+
+// An assignment, not a stack: twice busy is busy.
+void SetPointer(bool busy) {
+    if (busy == PointerIsBusy) return;
+    PointerIsBusy = busy;
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+}  // namespace
+
+void OpenDesktop(frmMain& main) {
+    const QPointer<frmMain> window = &main;
+    Desktop.Yield = [window] {
+        if (window == nullptr) return;
+        window->Mirror();
+        // While a menu fills itself a click must not overtake it.
+        QCoreApplication::processEvents(window->MenuOpens() ? QEventLoop::ExcludeUserInputEvents
+                                                            : QEventLoop::AllEvents);
+    };
+    Desktop.MessageBox = [window](const std::string& text, Box box) {
+        if (window != nullptr) window->Mirror();
+        return ShowBox(Over(window), text, box);
+    };
+    Desktop.BusyPointer = SetPointer;
+    Desktop.ChooseFileToSave = [window](const std::string& proposed) {
+        return ChooseFile(Over(window), proposed);
+    };
+    Desktop.SetClipboard = [](const std::string& text) { QApplication::clipboard()->setText(Shown(text)); };
+}
+
+}  // namespace zandrel

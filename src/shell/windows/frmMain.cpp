@@ -1,0 +1,351 @@
+#include "shell/windows/frmMain.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+
+#include "link/port.h"
+#include "link/progress.h"
+#include "link/transfers.h"
+#include "shell/startstop.h"
+#include "shell/windows/commands.h"
+#include "shell/windows/generalpage.h"
+#include "shell/windows/mapgrid.h"
+#include "shell/windows/mappage.h"
+#include "shell/windows/progresswindows.h"
+#include "shell/windows/settingspage.h"
+#include "shell/windows/shown.h"
+#include "tuning/display.h"
+#include "tuning/mainform.h"
+#include "tuning/maps.h"
+#include "util/diagnostics.h"
+
+namespace zandrel {
+namespace {
+
+constexpr float kTwipsAPixel = 15;  // 1440 to the inch, at 96 pixels
+
+template <class Button>
+void MirrorButton(Button* button, const Control& record, const char* name) {
+    const QString text = WithMnemonic(record.Caption);
+    if (button->text() != text) button->setText(text);
+    const bool enabled = record.Enabled && HasHandler(name) && !LongOperationRuns();
+    if (button->isEnabled() != enabled) button->setEnabled(enabled);
+    if (button->isHidden() == record.Visible) button->setVisible(record.Visible);
+}
+
+void ShowIfOther(QLabel* label, const QString& text) {
+    if (label->text() != text) label->setText(text);
+}
+
+QString PortInWords() {
+    for (std::size_t i = 0; i < mnuCom.size(); ++i) {
+        if (!mnuCom[i].Checked) continue;
+        const int number = static_cast<int>(i) + 1;
+        const QString name = QStringLiteral("COM%1").arg(number);
+        const QString device = Shown(ComDevice(number));
+        return device.isEmpty() || device == name ? name : name + QStringLiteral(" · ") + device;
+    }
+    return QStringLiteral("No port chosen");
+}
+
+// The screen that shows enough of `place` for its title to be grasped, or the first one.
+QRect ScreenFor(const QRect& place) {
+    constexpr int kGrasp = 64;
+    const QRect title(place.left(), place.top(), place.width(), kGrasp / 2);
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect seen = screen->availableGeometry() & title;
+        if (seen.width() >= kGrasp && seen.height() >= kGrasp / 4) return screen->availableGeometry();
+    }
+    return QGuiApplication::primaryScreen()->availableGeometry();
+}
+
+QRect KeptOn(const QRect& screen, QRect place) {
+    place.setWidth(std::min(place.width(), screen.width()));
+    place.setHeight(std::min(place.height(), screen.height()));
+    if ((screen & place).isEmpty() || !screen.contains(place.topLeft())) {
+        place.moveLeft(std::clamp(place.left(), screen.left(), screen.right() + 1 - place.width()));
+        place.moveTop(std::clamp(place.top(), screen.top(), screen.bottom() + 1 - place.height()));
+    }
+    return place;
+}
+
+}  // namespace
+
+frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
+    setObjectName(QStringLiteral("frmMain"));
+    auto* body = new QWidget(this);
+    auto* column = new QVBoxLayout(body);
+    const int gap = fontMetrics().height() / 3;
+    column->setContentsMargins(gap, gap, gap, 0);
+    column->setSpacing(gap);
+    column->addWidget(BuildButtons());
+    BuildTabs();
+    column->addWidget(SSTab1_, 1);
+    setCentralWidget(body);
+    BuildStatusBar();
+    BuildMenus();
+    frmProgress2_ = new frmProgress2(this);
+    frmProgressScan_ = new frmProgressScan(this);
+    setMinimumSize(fontMetrics().averageCharWidth() * 60, fontMetrics().height() * 16);
+    Mirror();
+}
+
+QWidget* frmMain::BuildButtons() {
+    auto* bar = new QWidget(this);
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(0, 0, 0, 0);
+    const auto add = [&](const char* name) {
+        auto* button = new QPushButton(bar);
+        button->setObjectName(QLatin1String(name));
+        if (!HasHandler(name)) button->setToolTip(QString::fromUtf8(CommandOf(name).Later));
+        connect(button, &QPushButton::clicked, this,
+                [this, name] { Run([name] { CommandOf(name).Click(-1); }); });
+        row->addWidget(button);
+        return button;
+    };
+    cmdReadAll_ = add("cmdReadAll");
+    cmdReadAll_->setToolTip(QStringLiteral("Read everything from the Power-FC (Ctrl+R)"));
+    QFont bold = cmdReadAll_->font();
+    bold.setBold(true);
+    cmdReadAll_->setFont(bold);
+    cmdWriteAll_ = add("cmdWriteAll");
+    cmdUpdate_ = add("cmdUpdate");
+    optAutoUpdate_ = new QCheckBox(bar);
+    optAutoUpdate_->setObjectName(QStringLiteral("optAutoUpdate"));
+    if (!HasHandler("optAutoUpdate"))
+        optAutoUpdate_->setToolTip(QString::fromUtf8(CommandOf("optAutoUpdate").Later));
+    connect(optAutoUpdate_, &QCheckBox::clicked, this, [this](bool checked) {
+        Run([checked] {
+            optAutoUpdate.Value = checked ? 1 : 0;
+            CommandOf("optAutoUpdate").Click(-1);
+        });
+    });
+    row->addSpacing(fontMetrics().height() / 2);
+    row->addWidget(optAutoUpdate_);
+    row->addStretch(1);
+    return bar;
+}
+
+void frmMain::BuildTabs() {
+    SSTab1_ = new QTabWidget(this);
+    SSTab1_->setObjectName(QStringLiteral("SSTab1"));
+    SSTab1_->tabBar()->setExpanding(false);
+    SSTab1_->setElideMode(Qt::ElideNone);
+    for (int tab = 0; tab < kTabs; ++tab) {
+        QWidget* page = nullptr;
+        if (tab < kMapTabs) {
+            const auto run = [this](const std::function<void()>& action) { Run(action); };
+            page = mapPages_[static_cast<std::size_t>(tab)] = new MapPage(tab, run);
+        } else if (tab == kGeneralTab) {
+            page = new GeneralPage;
+        } else {
+            // Filled when it is first to be seen.
+            page = new QWidget;
+            auto* layout = new QVBoxLayout(page);
+            layout->setContentsMargins(0, 0, 0, 0);
+        }
+        holders_[static_cast<std::size_t>(tab)] = page;
+        SSTab1_->addTab(page, QString());
+    }
+    connect(SSTab1_, &QTabWidget::currentChanged, this, [this](int tab) { TabChanged(tab); });
+    connect(SSTab1_, &QTabWidget::tabBarClicked, this, [this](int tab) {
+        if (tab == SSTab1_->currentIndex() && tab < kMapTabs && tab >= 0) {
+            mapPages_[static_cast<std::size_t>(tab)]->GridView()->setFocus();
+        }
+    });
+}
+
+void frmMain::BuildStatusBar() {
+    const auto add = [this](const char* name, int stretch) {
+        auto* label = new QLabel(this);
+        label->setObjectName(QLatin1String(name));
+        label->setTextFormat(Qt::PlainText);
+        label->setContentsMargins(fontMetrics().height() / 3, 0, fontMetrics().height() / 3, 0);
+        statusBar()->addWidget(label, stretch);
+        return label;
+    };
+    lblPort_ = add("lblPort", 0);
+    lblInterface_ = add("lblInterface", 0);
+    lblBuild_ = add("lblBuild", 1);
+}
+
+SettingsPage* frmMain::BuildPage(int tab) {
+    const auto at = static_cast<std::size_t>(tab);
+    if (settingsPages_[at] == nullptr) {
+        settingsPages_[at] = new SettingsPage(tab);
+        holders_[at]->layout()->addWidget(settingsPages_[at]);
+    }
+    return settingsPages_[at];
+}
+
+void frmMain::BuildAllPages() {
+    for (int tab = kFirstSettingsTab; tab < kGeneralTab; ++tab) BuildPage(tab);
+}
+
+void frmMain::Run(const std::function<void()>& action) {
+    action();
+    Mirror();
+    CloseIfAsked();
+}
+
+void frmMain::Mirror() {
+    MirrorTitle();
+    MirrorTabs();
+    MirrorPages();
+    MirrorButtons();
+    MirrorStatusBar();
+    MirrorMenus();
+    frmProgress2_->Mirror();
+    frmProgressScan_->Mirror();
+}
+
+void frmMain::MirrorTitle() {
+    const std::string& title = MainFormState.Caption;
+    if (title == title_ && !title.empty()) return;
+    title_ = title;
+    setWindowTitle(title.empty() ? QStringLiteral("Zandrel") : Shown(title));
+}
+
+void frmMain::MirrorTabs() {
+    const QSignalBlocker quiet(SSTab1_);
+    for (int tab = 0; tab < kTabs; ++tab) {
+        const auto at = static_cast<std::size_t>(tab);
+        const QString caption = WithoutMnemonic(SSTab1.TabCaption[at]);
+        if (SSTab1_->tabText(tab) != caption) SSTab1_->setTabText(tab, caption);
+        if (SSTab1_->isTabVisible(tab) != SSTab1.TabVisible[at])
+            SSTab1_->setTabVisible(tab, SSTab1.TabVisible[at]);
+    }
+    if (SSTab1_->currentIndex() == SSTab1.Tab) return;
+    if (SSTab1.Tab >= kFirstSettingsTab && SSTab1.Tab < kGeneralTab) BuildPage(SSTab1.Tab);
+    SSTab1_->setCurrentIndex(SSTab1.Tab);
+}
+
+void frmMain::MirrorPages() {
+    for (MapPage* page : mapPages_) page->Mirror();
+    for (std::size_t tab = kFirstSettingsTab; tab < kGeneralTab; ++tab) {
+        if (settingsPages_[tab] != nullptr) settingsPages_[tab]->Mirror();
+    }
+}
+
+void frmMain::MirrorButtons() {
+    MirrorButton(cmdReadAll_, cmdReadAll, "cmdReadAll");
+    MirrorButton(cmdWriteAll_, cmdWriteAll, "cmdWriteAll");
+    MirrorButton(cmdUpdate_, cmdUpdate, "cmdUpdate");
+    MirrorButton(optAutoUpdate_, optAutoUpdate, "optAutoUpdate");
+    if (optAutoUpdate_->isChecked() != (optAutoUpdate.Value != 0)) {
+        optAutoUpdate_->setChecked(optAutoUpdate.Value != 0);
+    }
+}
+
+void frmMain::MirrorStatusBar() {
+    ShowIfOther(lblPort_, PortInWords());
+    ShowIfOther(lblInterface_, QStringLiteral("Interface ") + Printable(CorvaneVer));
+    ShowIfOther(lblBuild_, VerName.empty() && VerNumber.empty()
+                               ? QStringLiteral("No Power-FC read yet")
+                               : Printable(VerName) + QStringLiteral(" v") + Printable(VerNumber));
+}
+
+void frmMain::TabChanged(int tab) {
+    if (tab < 0) return;
+    if (tab >= kFirstSettingsTab && tab < kGeneralTab) BuildPage(tab);
+    Run([tab] {
+        SSTab1.Tab = tab;
+        SSTab1_Click();
+    });
+    if (tab < kMapTabs) mapPages_[static_cast<std::size_t>(tab)]->GridView()->setFocus();
+}
+
+void frmMain::mousePressEvent(QMouseEvent* event) {
+    SSTab1_->tabBar()->setFocus();
+    QMainWindow::mousePressEvent(event);
+}
+
+void frmMain::setVisible(bool visible) {
+    if (visible && !placed_) {
+        placed_ = true;
+        PlaceWindow();
+    }
+    QMainWindow::setVisible(visible);
+}
+
+void frmMain::PlaceWindow() {
+    const MainForm& form = MainFormState;
+    const auto pixels = [](float twips) { return static_cast<int>(std::lround(twips / kTwipsAPixel)); };
+    const QRect wanted(pixels(form.Left), pixels(form.Top), pixels(form.Width), pixels(form.Height));
+    normalPlace_ = KeptOn(ScreenFor(wanted), wanted);
+    resize(normalPlace_.size());
+    move(normalPlace_.topLeft());
+    if (form.WindowState == 2) setWindowState(Qt::WindowMaximized);
+    if (form.WindowState == 1) setWindowState(Qt::WindowMinimized);
+}
+
+// Follows the window while it is normal, for the day when it closes maximised.
+void frmMain::KeepPlace() {
+    if (!placed_ || !isVisible() ||
+        (windowState() & (Qt::WindowMaximized | Qt::WindowMinimized | Qt::WindowFullScreen))) {
+        return;
+    }
+    normalPlace_ = QRect(pos(), size());
+}
+
+void frmMain::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    KeepPlace();
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    KeepPlace();
+}
+
+void frmMain::SavePlace() {
+    MainForm& form = MainFormState;
+    form.Left = static_cast<float>(normalPlace_.left()) * kTwipsAPixel;
+    form.Top = static_cast<float>(normalPlace_.top()) * kTwipsAPixel;
+    form.Width = static_cast<float>(normalPlace_.width()) * kTwipsAPixel;
+    form.Height = static_cast<float>(normalPlace_.height()) * kTwipsAPixel;
+    form.WindowState = isMinimized() ? 1 : isMaximized() ? 2 : 0;
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    if (unloaded_) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    if (LongOperationRuns()) {
+        // The operation looks at its cancel flag between two exchanges; the window goes once it has ended.
+        Progress2.Cancelled = ProgressScan.Cancelled = true;
+        closeAsked_ = true;
+        return;
+    }
+    closeAsked_ = false;
+    if (!frmMain_QueryUnload()) {
+        Mirror();
+        return;
+    }
+    SavePlace();
+    frmMain_Unload();
+    unloaded_ = true;
+    event->accept();
+    QCoreApplication::quit();
+}
+
+void frmMain::CloseIfAsked() {
+    if (closeAsked_ && !LongOperationRuns()) QTimer::singleShot(0, this, [this] { close(); });
+}
+
+}  // namespace zandrel

@@ -1,0 +1,124 @@
+// The main window: buttons, tabs, menus and status bar over the records of the floors below. Its handlers
+// call the logic and then mirror what came of it.
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tuning/settings.h"
+#include "util/controls.h"
+
+class QAction;
+class QCheckBox;
+class QLabel;
+class QMenu;
+class QPushButton;
+class QTabWidget;
+
+namespace zandrel {
+
+class frmProgress2;
+class frmProgressScan;
+class MapPage;
+class SettingsPage;
+
+class frmMain : public QMainWindow {
+  public:
+    /// Builds the window from the records as they are; `LoadDesign` comes before it.
+    explicit frmMain(QWidget* parent = nullptr);
+
+    /// Brings every widget of every window in step with the records; touches only what has changed.
+    void Mirror();
+
+    /// Builds the settings pages that have not been needed yet.
+    void BuildAllPages();
+
+    /// True while the port menu fills itself.
+    bool MenuOpens() const { return menuOpens_; }
+
+    /// The first time it also puts the window where `MainFormState` says.
+    void setVisible(bool visible) override;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+  private:
+    struct BoundAction {
+        QAction* Action;
+        const MenuItem* Record;
+        bool Handled;
+        std::string Caption;
+    };
+
+    // Runs what the user asked for, then shows what came of it.
+    void Run(const std::function<void()>& action);
+    void CloseIfAsked();
+
+    QWidget* BuildButtons();
+    void BuildTabs();
+    void BuildStatusBar();
+    SettingsPage* BuildPage(int tab);
+
+    void BuildMenus();
+    void BuildFileMenu();
+    void BuildPowerFcMenu();
+    void BuildPortMenu();
+    void BuildSetupMenu();
+    void BuildMapsMenu();
+    void BuildHelpMenu();
+    void BuildKeys();
+    QAction* AddItem(QMenu* menu, const char* name, const MenuItem& record, int index = -1);
+    QAction* AddCommand(QMenu* menu, const char* name, const QString& caption,
+                        const std::function<void()>& action);
+    void OpenPortMenu();
+    void ShowAbout();
+    void ToggleFirstPort(bool open);
+    void ReadMapInView();
+
+    void MirrorTitle();
+    void MirrorTabs();
+    void MirrorPages();
+    void MirrorButtons();
+    void MirrorStatusBar();
+    void MirrorMenus();
+
+    void TabChanged(int tab);
+    void PlaceWindow();
+    void KeepPlace();
+    void SavePlace();
+
+    QTabWidget* SSTab1_ = nullptr;
+    std::array<MapPage*, kMapTabs> mapPages_{};
+    std::array<QWidget*, kTabs> holders_{};  // pages of SSTab1
+    std::array<SettingsPage*, kTabs> settingsPages_{};
+    QPushButton* cmdReadAll_ = nullptr;
+    QPushButton* cmdWriteAll_ = nullptr;
+    QPushButton* cmdUpdate_ = nullptr;
+    QCheckBox* optAutoUpdate_ = nullptr;
+    QLabel* lblPort_ = nullptr;
+    QLabel* lblInterface_ = nullptr;
+    QLabel* lblBuild_ = nullptr;
+    QAction* mnuReadAll_ = nullptr;
+    QAction* mnuReadMap_ = nullptr;
+    QAction* mnuScan_ = nullptr;
+    QMenu* mnuSetupBaseMap_ = nullptr;
+    std::vector<BoundAction> items_;
+    std::vector<BoundAction> baseModes_;
+    frmProgress2* frmProgress2_ = nullptr;
+    frmProgressScan* frmProgressScan_ = nullptr;
+
+    std::string title_;
+    bool menuOpens_ = false;
+    bool placed_ = false;
+    bool closeAsked_ = false;
+    bool unloaded_ = false;
+    QRect normalPlace_;  // left and top of the frame, size of the content
+};
+
+}  // namespace zandrel

@@ -1,0 +1,13 @@
+// The general tab: what the program is, and what it asks its user to mind.
+#pragma once
+
+#include <QScrollArea>
+
+namespace zandrel {
+
+class GeneralPage : public QScrollArea {
+  public:
+    explicit GeneralPage(QWidget* parent = nullptr);
+};
+
+}  // namespace zandrel

@@ -1,0 +1,88 @@
+#include "shell/windows/progresswindows.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+
+#include "link/progress.h"
+#include "shell/windows/shown.h"
+
+namespace zandrel {
+
+ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, QWidget* over)
+    : QDialog(over),
+      record_(record),
+      lblStatus_(new QLabel(this)),
+      bar_(new QProgressBar(this)),
+      cmdCancel_(new QPushButton(QStringLiteral("Cancel"), this)) {
+    setObjectName(QLatin1String(name));
+    setWindowTitle(QStringLiteral("Zandrel"));
+    lblStatus_->setObjectName(QStringLiteral("lblStatus"));
+    lblStatus_->setTextFormat(Qt::PlainText);
+    lblStatus_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+    // Room for the longest hint, so that the window does not change its size under the pointer.
+    lblStatus_->setMinimumWidth(lblStatus_->fontMetrics().horizontalAdvance(
+        QLatin1String("Have you turned ON the ignition yet?....")));
+    bar_->setObjectName(QStringLiteral("ProgressBar1"));
+    bar_->setRange(0, 100);
+    bar_->setTextVisible(false);
+    cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
+    cmdCancel_->setDefault(true);
+    connect(cmdCancel_, &QPushButton::clicked, this, [this] { reject(); });
+
+    auto* column = new QVBoxLayout(this);
+    column->setSpacing(fontMetrics().height() * 2 / 3);
+    column->addWidget(lblStatus_);
+    column->addWidget(bar_);
+    column->addWidget(cmdCancel_, 0, Qt::AlignHCenter);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void ProgressWindow::Mirror() {
+    if (record_.Status != status_) {
+        status_ = record_.Status;
+        lblStatus_->setText(Shown(status_));
+    }
+    const int value = static_cast<int>(std::lround(std::clamp(record_.Bar, 0.0, 100.0)));
+    if (bar_->value() != value) bar_->setValue(value);
+    const bool waits = !record_.Cancelled;
+    if (cmdCancel_->isEnabled() != waits) cmdCancel_->setEnabled(waits);
+    if (record_.Visible == isVisible()) return;
+    if (record_.Visible) {
+        adjustSize();
+        if (parentWidget() != nullptr) {
+            const QRect over = parentWidget()->frameGeometry();
+            move(over.center() - QPoint(width() / 2, height() / 2));
+        }
+    }
+    setVisible(record_.Visible);
+}
+
+void ProgressWindow::reject() {
+    record_.Cancelled = true;
+    cmdCancel_->setEnabled(false);
+}
+
+void ProgressWindow::closeEvent(QCloseEvent* event) {
+    if (!record_.Visible) {
+        event->accept();
+        return;
+    }
+    reject();
+    event->ignore();
+}
+
+frmProgress2::frmProgress2(QWidget* over) : ProgressWindow("frmProgress2", Progress2, over) {
+    setModal(false);
+    setWindowFlag(Qt::WindowStaysOnTopHint);
+}
+
+frmProgressScan::frmProgressScan(QWidget* over) : ProgressWindow("frmProgressScan", ProgressScan, over) {
+    setModal(true);
+}
+
+}  // namespace zandrel

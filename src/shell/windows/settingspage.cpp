@@ -1,0 +1,403 @@
+#include "shell/windows/settingspage.h"
+
+#include <QCheckBox>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+#include <QStyle>
+#include <QToolButton>
+#include <QToolTip>
+#include <algorithm>
+
+#include "shell/windows/commands.h"
+#include "shell/windows/frameflow.h"
+#include "shell/windows/shown.h"
+#include "tuning/settings.h"
+#include "util/numbers.h"
+#include "util/text.h"
+
+namespace zandrel {
+namespace {
+
+constexpr char kBoundProperty[] = "bound";  // place of a widget's record in the page's list
+
+// The frames of a tab in the order in which they are to stand. The record arrays are sorted by number;
+// these lists keep what belongs together side by side.
+// clang-format off
+constexpr int kOrder[] = {
+    120, 1140, 140, 100, 1100, 2100, 1120, 180, 160, 170, 150, 130, 190, 155, 1180,
+    280, 290, 270, 256, 1215, 215, 200, 240, 230, 250,
+    350, 370, 340, 1340, 2300, 1300, 300, 390, 380,
+    470, 430, 1470, 400, 1410, 460, 450, 420, 440, 480, 410,
+    500, 520, 560, 550, 530, 540, 1500,
+    600, 630, 660, 680, 700,
+};
+// clang-format on
+
+int GapOf(const QWidget* widget, double lines) {
+    return std::max(1, static_cast<int>(widget->fontMetrics().height() * lines));
+}
+
+// A label that heads a number, such as "+80C" or "10000", stands flush with the numbers.
+bool BeginsLikeNumber(const std::string& caption) {
+    return !caption.empty() && std::string_view("+-0123456789").find(caption[0]) != std::string_view::npos;
+}
+
+int WidthOfField(const QLineEdit* edit, const std::string& tag) {
+    // What the style adds around seventeen letters is what it adds around any text.
+    const QFontMetrics metrics = edit->fontMetrics();
+    const int around = edit->sizeHint().width() - 17 * metrics.horizontalAdvance(QLatin1Char('x'));
+    return std::max(around, 8) + (FieldCharacters(tag) + 1) * metrics.horizontalAdvance(QLatin1Char('0'));
+}
+
+QLineEdit* NumberField(const std::string& tag, QWidget* parent) {
+    auto* edit = new QLineEdit(parent);
+    edit->setAlignment(Qt::AlignRight);
+    edit->setReadOnly(!HasHandler("txtSetting"));
+    edit->setMinimumWidth(WidthOfField(edit, tag));
+    edit->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    edit->setMaximumWidth(edit->minimumWidth());
+    return edit;
+}
+
+QLabel* PlainLabel(QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+QLabel* WrappedNote(QWidget* parent) {
+    QLabel* note = PlainLabel(parent);
+    note->setWordWrap(true);
+    note->setFont(Scaled(note->font(), 0.9));
+    return note;
+}
+
+QToolButton* CurveButton(QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setFont(Scaled(button->font(), 0.9));
+    return button;
+}
+
+int CurveOfRank(int frame, int rank) {
+    for (const auto& [index, button] : cmdEditCurve) {
+        if (button.Frame == frame && rank-- == 0) return index;
+    }
+    return -1;
+}
+
+std::string FlagName(int number) {
+    return "Flag " + std::to_string(number + 1);
+}
+
+bool IsRevIdleFrame(int frame) {
+    return frame == 120 || frame == 1120;
+}
+
+bool IsShown(const Control& record, int index, bool onTab) {
+    if (onTab) return record.Visible && !Printable(record.Caption).isEmpty();
+    if (!record.Visible) return false;
+    if (!IsRevIdleFrame(record.Frame)) return true;
+    return RowStandsInFrame(txtSetting[index], FraSettings[record.Frame]);
+}
+
+}  // namespace
+
+bool RowStandsInFrame(const Control& row, const Control& frame) {
+    return frame.Height <= 0 || row.Top + row.Height <= frame.Height;
+}
+
+SettingsPage::SettingsPage(int tab, QWidget* parent) : QScrollArea(parent), tab_(tab) {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    auto* inner = new QWidget;
+    auto* column = new QVBoxLayout(inner);
+    const int gap = GapOf(this, 0.5);
+    column->setContentsMargins(gap, gap, gap, gap);
+    column->setSpacing(gap);
+    for (const auto& [index, label] : lblSetting) {
+        if (label.Frame < 0 && label.Tab == tab) AddTabText(index, inner, column);
+    }
+    auto* flow = new FrameFlow;
+    flow->setContentsMargins(0, 0, 0, 0);
+    flow->setSpacing(gap);
+    for (const int frame : kOrder) {
+        if (FraSettings.Exists(frame) && FraSettings[frame].Tab == tab) flow->addWidget(BuildFrame(frame));
+    }
+    column->addLayout(flow);
+    column->addStretch(1);
+    setWidget(inner);
+    Mirror();
+}
+
+void SettingsPage::AddTabText(int index, QWidget* parent, QLayout* layout) {
+    QLabel* label = PlainLabel(parent);
+    label->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setWordWrap(true);
+    layout->addWidget(Bind(Kind::BlockText, label, "lblSetting", lblSetting, index));
+}
+
+QWidget* SettingsPage::Bind(Kind kind, QWidget* widget, const char* name, const ControlArray& array,
+                            int index) {
+    widget->setObjectName(MemberName(name, index));
+    widget->setProperty(kBoundProperty, static_cast<int>(bounds_.size()));
+    widget->installEventFilter(this);
+    bounds_.push_back({kind, name, widget, &array, index, nullptr, HasHandler(name), {}});
+    return widget;
+}
+
+QWidget* SettingsPage::BindSingle(Kind kind, QWidget* widget, const char* name, const Control& record) {
+    Bind(kind, widget, name, txtSetting, 0)->setObjectName(QLatin1String(name));
+    bounds_.back().Array = nullptr;
+    bounds_.back().Single = &record;
+    return widget;
+}
+
+QGroupBox* SettingsPage::BuildFrame(int frame) {
+    auto* box = new QGroupBox;
+    box->setObjectName(MemberName("FraSettings", frame));
+    auto* grid = new QGridLayout(box);
+    const int gap = GapOf(this, 0.3);
+    grid->setHorizontalSpacing(gap * 2);
+    grid->setVerticalSpacing(gap);
+    grid->setContentsMargins(gap * 2, gap * 2, gap * 2, gap * 2);
+    int columns = 0;
+    QLabel* rowLabel = nullptr;
+    int labelRow = -1;
+    for (const LayoutCell& cell : LayoutOfFrame(frame)) {
+        columns = std::max(columns, cell.Column + cell.Columns);
+        if (cell.Kind == '|') {
+            grid->setColumnMinimumWidth(cell.Column, gap * 2);
+            continue;
+        }
+        QWidget* widget = BuildMember(frame, cell, box);
+        if (cell.Kind == 'L' && !cell.InHeadRow) {
+            rowLabel = static_cast<QLabel*>(widget);
+            labelRow = cell.Row;
+        } else if (cell.Kind == 't' && cell.Row == labelRow && rowLabel->buddy() == nullptr) {
+            rowLabel->setBuddy(widget);
+        }
+        Qt::Alignment alignment = Qt::AlignVCenter;
+        auto* label = qobject_cast<QLabel*>(widget);
+        if (label != nullptr && cell.InHeadRow) {
+            label->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+        } else if (label != nullptr && !label->wordWrap() && cell.Kind == 'L' &&
+                   BeginsLikeNumber(bounds_.back().Record().Caption)) {
+            label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        } else if (cell.Kind == 't' || cell.Kind == 'k') {
+            alignment |= Qt::AlignLeft;
+        }
+        if (cell.Kind == 'n' || (label != nullptr)) alignment = {};
+        grid->addWidget(widget, cell.Row, cell.Column, 1, cell.Columns, alignment);
+    }
+    grid->setColumnStretch(frame == 560 ? 0 : columns, 1);
+    grid->setRowStretch(grid->rowCount(), 1);
+    frames_.push_back({box, frame, {}});
+    return box;
+}
+
+QWidget* SettingsPage::BuildMember(int frame, const LayoutCell& cell, QWidget* parent) {
+    const int index = frame + cell.Number;
+    switch (cell.Kind) {
+        case 'L': {
+            const bool revIdle = IsRevIdleFrame(frame);
+            return Bind(Kind::Label, PlainLabel(parent), revIdle ? "lblRevIdle" : "lblGeneral",
+                        revIdle ? lblRevIdle : lblGeneral, index);
+        }
+        case 't':
+            return Bind(Kind::Text, NumberField(txtSetting[index].Tag, parent), "txtSetting", txtSetting,
+                        index);
+        case 'c': {
+            auto* check = new QCheckBox(parent);
+            // A flag without a name of its own, in a block or anywhere, goes by its number.
+            if (!ControlExists(lblSetting, index)) check->setText(Shown(FlagName(cell.Number)));
+            return Bind(Kind::Check, check, "chkSetting", chkSetting, index);
+        }
+        case 'b':
+            return Bind(Kind::Check, new QCheckBox(parent), "chkSettingBit", chkSettingBit, index);
+        case 'o': {
+            auto* option = new QRadioButton(parent);
+            option->setAutoExclusive(false);
+            return Bind(Kind::Option, option, "optSetting", optSetting, index);
+        }
+        case 's': {
+            QLabel* label = PlainLabel(parent);
+            label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+            const int letters = static_cast<int>(LenientNumber(Split(lblSetting[index].Tag, ',')[2]));
+            label->setMinimumWidth(label->fontMetrics().averageCharWidth() * letters);
+            return Bind(Kind::BlockText, label, "lblSetting", lblSetting, index);
+        }
+        case 'k':
+            return Bind(Kind::Button, CurveButton(parent), "cmdEditCurve", cmdEditCurve,
+                        CurveOfRank(frame, cell.Number));
+        case 'a': {
+            QLabel* label = cell.Number == 2 ? WrappedNote(parent) : PlainLabel(parent);
+            return Bind(Kind::Label, label, "lblAntiLag", lblAntiLag, cell.Number);
+        }
+        case 'p':
+            return BindSingle(Kind::Label, WrappedNote(parent), "lblInternalPullups", lblInternalPullups);
+        case 'e': {
+            auto* entry = new QLineEdit(parent);
+            entry->setMaxLength(8);
+            entry->setFixedWidth(entry->fontMetrics().horizontalAdvance(QLatin1String("WWWWWWWW")) +
+                                 GapOf(entry, 1));
+            return BindSingle(Kind::Entry, entry, "Text1", Text1);
+        }
+        case 'n': {
+            auto* notes = new QPlainTextEdit(parent);
+            notes->setReadOnly(!HasHandler("txtNotes"));
+            notes->setTabChangesFocus(true);
+            notes->setMinimumSize(notes->fontMetrics().averageCharWidth() * 36, GapOf(notes, 6));
+            notes->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+            notes->setMaximumHeight(notes->minimumHeight());
+            return BindSingle(Kind::Notes, notes, "txtNotes", txtNotes);
+        }
+        default: {
+            QLabel* heading = PlainLabel(parent);
+            heading->setText(Shown(cell.Heading));
+            return heading;
+        }
+    }
+}
+
+void SettingsPage::Mirror() {
+    for (BoundFrame& frame : frames_) MirrorFrame(frame);
+    for (Bound& bound : bounds_) MirrorControl(bound);
+}
+
+void SettingsPage::MirrorFrame(BoundFrame& frame) {
+    const Control& record = FraSettings[frame.Index];
+    if (record.Caption != frame.Caption) {
+        frame.Caption = record.Caption;
+        frame.Widget->setTitle(WithoutMnemonic(record.Caption));
+    }
+    if (record.Enabled != frame.Enabled) {
+        frame.Enabled = record.Enabled;
+        frame.Widget->setEnabled(record.Enabled);
+    }
+    if (record.Visible != frame.Visible) {
+        frame.Visible = record.Visible;
+        frame.Widget->setVisible(record.Visible);
+    }
+}
+
+void SettingsPage::MirrorControl(Bound& bound) {
+    const Control& record = bound.Record();
+    const bool isText = bound.What == Kind::Text || bound.What == Kind::Notes || bound.What == Kind::Entry;
+    const std::string& text = isText ? record.Text : record.Caption;
+    if (text != bound.Text) {
+        bound.Text = text;
+        ShowText(bound);
+    }
+    if (bound.What == Kind::Check || bound.What == Kind::Option) {
+        auto* button = static_cast<QAbstractButton*>(bound.Widget);
+        if (button->isChecked() != (record.Value != 0)) button->setChecked(record.Value != 0);
+    }
+    const bool visible = IsShown(record, bound.Index, record.Frame < 0);
+    if (visible != bound.Visible) {
+        bound.Visible = visible;
+        bound.Widget->setVisible(visible);
+    }
+    const bool needsHandler = bound.What == Kind::Button || bound.What == Kind::Entry;
+    const bool enabled = record.Enabled && (bound.Handled || !needsHandler);
+    if (enabled != bound.Enabled) {
+        bound.Enabled = enabled;
+        bound.Widget->setEnabled(enabled);
+    }
+    if (bound.What == Kind::Text && record.BackColour != bound.BackColour) {
+        bound.BackColour = record.BackColour;
+        QPalette palette;
+        if (record.BackColour != 0) {
+            palette.setColor(QPalette::Base, ColourOf(record.BackColour));
+            palette.setColor(QPalette::Text, ReadableOn(ColourOf(record.BackColour)));
+        }
+        bound.Widget->setPalette(palette);
+    }
+    if (bound.What == Kind::Text && bound.Handled) {
+        auto* edit = static_cast<QLineEdit*>(bound.Widget);
+        if (edit->isReadOnly() != record.Locked) edit->setReadOnly(record.Locked);
+    }
+}
+
+void SettingsPage::ShowText(const Bound& bound) {
+    switch (bound.What) {
+        case Kind::Text:
+        case Kind::Entry:
+            static_cast<QLineEdit*>(bound.Widget)->setText(Shown(bound.Text));
+            break;
+        case Kind::Notes:
+            static_cast<QPlainTextEdit*>(bound.Widget)->setPlainText(Shown(bound.Text));
+            break;
+        case Kind::Check:
+        case Kind::Option:
+        case Kind::Button:
+            static_cast<QAbstractButton*>(bound.Widget)->setText(WithoutMnemonic(bound.Text));
+            break;
+        case Kind::Label:
+            static_cast<QLabel*>(bound.Widget)->setText(Shown(bound.Text));
+            break;
+        case Kind::BlockText:
+            static_cast<QLabel*>(bound.Widget)->setText(Printable(bound.Text));
+            NameFlagOrOption(bound);
+            break;
+    }
+}
+
+// The box or option that stands beside the text of a block is called by it.
+void SettingsPage::NameFlagOrOption(const Bound& bound) {
+    for (const char* array : {"chkSetting", "optSetting"}) {
+        auto* button = bound.Widget->parentWidget()->findChild<QAbstractButton*>(
+            MemberName(array, bound.Index), Qt::FindDirectChildrenOnly);
+        if (button != nullptr) button->setAccessibleName(Printable(bound.Text));
+    }
+}
+
+QString SettingsPage::ToolTipOf(const Bound& bound) {
+    const Control& record = bound.Record();
+    if (!record.ToolTip.empty()) return Shown(record.ToolTip);
+    if (bound.What == Kind::Button || bound.What == Kind::Entry) {
+        return bound.Handled ? QString() : QString::fromUtf8(CommandOf(bound.Name).Later);
+    }
+    return FieldToolTip(record.Tag);
+}
+
+bool SettingsPage::eventFilter(QObject* object, QEvent* event) {
+    const QVariant place = object->property(kBoundProperty);
+    if (!place.isValid()) return QScrollArea::eventFilter(object, event);
+    const Bound& bound = bounds_[static_cast<std::size_t>(place.toInt())];
+    const bool clicks = bound.What == Kind::Check || bound.What == Kind::Option;
+    switch (event->type()) {
+        case QEvent::ToolTip: {
+            const QString text = ToolTipOf(bound);
+            if (text.isEmpty()) break;
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, bound.Widget);
+            return true;
+        }
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+            if (clicks && !bound.Handled) return true;
+            break;
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease: {
+            const int key = static_cast<QKeyEvent*>(event)->key();
+            if (clicks && !bound.Handled && (key == Qt::Key_Space || key == Qt::Key_Select)) return true;
+            break;
+        }
+        default:
+            break;
+    }
+    return QScrollArea::eventFilter(object, event);
+}
+
+}  // namespace zandrel

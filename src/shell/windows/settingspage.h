@@ -1,0 +1,73 @@
+// One settings tab of the main window: its frames and controls, built once from the records and then only
+// mirrored.
+#pragma once
+
+#include <QScrollArea>
+#include <string>
+#include <vector>
+
+#include "shell/windows/framelayout.h"
+#include "util/controls.h"
+
+class QGridLayout;
+class QGroupBox;
+
+namespace zandrel {
+
+class SettingsPage : public QScrollArea {
+  public:
+    /// Builds the page of tab `tab` from the records as they are now.
+    explicit SettingsPage(int tab, QWidget* parent = nullptr);
+
+    /// Brings the widgets in step with their records; touches only what has changed.
+    void Mirror();
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    enum class Kind { Text, Notes, Entry, Check, Option, Label, BlockText, Button };
+
+    // A widget, the record that it shows, and what was shown last.
+    struct Bound {
+        Kind What;
+        const char* Name;
+        QWidget* Widget;
+        const ControlArray* Array;  // nullptr: Single is the record
+        int Index;
+        const Control* Single;
+        bool Handled;  // an edit or a click of it does something
+        std::string Text;
+        bool Visible = true;
+        bool Enabled = true;
+        std::uint32_t BackColour = 0;
+        const Control& Record() const { return Single != nullptr ? *Single : (*Array)[Index]; }
+    };
+    struct BoundFrame {
+        QGroupBox* Widget;
+        int Index;
+        std::string Caption;
+        bool Visible = true;
+        bool Enabled = true;
+    };
+
+    QGroupBox* BuildFrame(int frame);
+    QWidget* BuildMember(int frame, const LayoutCell& cell, QWidget* parent);
+    void AddTabText(int index, QWidget* parent, QLayout* layout);
+    QWidget* Bind(Kind kind, QWidget* widget, const char* name, const ControlArray& array, int index);
+    QWidget* BindSingle(Kind kind, QWidget* widget, const char* name, const Control& record);
+    void MirrorFrame(BoundFrame& frame);
+    void MirrorControl(Bound& bound);
+    static void ShowText(const Bound& bound);
+    static void NameFlagOrOption(const Bound& bound);
+    static QString ToolTipOf(const Bound& bound);
+
+    int tab_;
+    std::vector<BoundFrame> frames_;
+    std::vector<Bound> bounds_;
+};
+
+/// True if a row of the rev and idle frames ends within the frame's height.
+bool RowStandsInFrame(const Control& row, const Control& frame);
+
+}  // namespace zandrel
