@@ -1,0 +1,47 @@
+#include "link/scan.h"
+
+#include "image/image.h"
+#include "link/packets.h"
+#include "link/progress.h"
+#include "link/transfers.h"
+#include "tuning/binding.h"
+#include "util/desktop.h"
+
+namespace zandrel {
+
+void mnuScan_Click() {
+    ShowProgress(ProgressScan, "");
+    Yield();  // the window stands on the screen before the long loop starts
+    mnuScan_Code();
+}
+
+void mnuScan_Code() {
+    const LongOperation running;
+    BusyPointer(true);
+    ReadData.fill({});
+    bool complete = true;
+    for (int b = 0; b < 256; ++b) {
+        ByteString frame(1, static_cast<char>(b));
+        int timeOut = 500;
+        int retries = 0;
+        if (ReadPacket(frame, false, timeOut, retries) == LinkResult::Success) {
+            ReadData[static_cast<std::size_t>(b)] = frame.substr(2);
+        }
+        Yield();  // the user may have cancelled
+        ProgressScan.Bar = b / 2.55;
+        if (ProgressScan.Cancelled) {
+            complete = false;
+            break;
+        }
+    }
+    if (complete) {
+        BlockChanged.fill(false);
+        cmdUpdate.Enabled = false;
+    }
+    HideProgress(ProgressScan);
+    DisplayAllData();
+    BusyPointer(false);
+    cmdReadAll.Enabled = true;
+}
+
+}  // namespace zandrel

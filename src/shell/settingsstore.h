@@ -1,0 +1,30 @@
+// What is remembered between runs: sections of string keys in one INI file of the user's. Keys are never
+// deleted, all values are texts.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zandrel {
+
+/// Uses the INI file at `path` from now on; an empty path is the user's own store.
+void OpenSettingsStore(const std::string& path);
+
+std::string GetSetting(const std::string& section, const std::string& key, const std::string& fallback);
+void SaveSetting(const std::string& section, const std::string& key, const std::string& value);
+
+// Typed reads of section "Settings". No value: the key holds a text that is none of the type.
+std::optional<float> GetSingle(const std::string& key, float fallback);
+std::optional<std::int16_t> GetInteger(const std::string& key, std::int16_t fallback);
+std::optional<std::int32_t> GetLong(const std::string& key, std::int32_t fallback);
+std::optional<bool> GetBoolean(const std::string& key, bool fallback);
+
+// Writes to section "Settings": numbers in plain decimal text, booleans as "True" and "False".
+void SaveNumber(const std::string& key, double value);
+void SaveBoolean(const std::string& key, bool value);
+
+/// Brings everything written so far to the disk.
+void FlushSettingsStore();
+
+}  // namespace zandrel

@@ -1,0 +1,175 @@
+#include "shell/startstop.h"
+
+#include "image/image.h"
+#include "link/identify.h"
+#include "link/packets.h"
+#include "link/port.h"
+#include "link/progress.h"
+#include "link/transfers.h"
+#include "shell/settingsstore.h"
+#include "tuning/display.h"
+#include "tuning/mainform.h"
+#include "tuning/maps.h"
+#include "tuning/settings.h"
+#include "util/diagnostics.h"
+#include "util/numbers.h"
+
+namespace zandrel {
+namespace {
+
+constexpr double kDefaultStoichAF = 14.7;
+
+// Takes a setting into `target`. False: the store holds a text that is none of the type.
+template <class Value, class Target>
+bool Take(const std::optional<Value>& value, Target& target) {
+    if (value) target = static_cast<Target>(*value);
+    return value.has_value();
+}
+
+bool RestoreWindow() {
+    MainForm& form = MainFormState;
+    return Take(GetSingle("MainLeft", 450), form.Left) && Take(GetSingle("MainTop", 450), form.Top) &&
+           Take(GetSingle("MainHeight", 8130), form.Height) &&
+           Take(GetSingle("MainWidth", 11205), form.Width) &&
+           Take(GetInteger("MainWindowState", 0), form.WindowState);
+}
+
+bool RestorePort() {
+    std::int32_t port = 0;
+    if (!Take(GetLong("ComPort", 0), port)) return false;
+    if (port >= 1 && port <= 16 && mnuCom[static_cast<std::size_t>(port - 1)].Visible) mnuCom_Click(port - 1);
+    return true;
+}
+
+bool RestoreLinkSettings() {
+    const auto timeOut = GetLong("ComTimeOutTicks", kDefaultComTimeOutTicks);
+    const auto retries = GetLong("ComRetries", kDefaultComRetries);
+    if (!timeOut || !retries) return false;
+    txtComTimeOut = std::to_string(*timeOut);
+    txtComTimeOut_Change();
+    txtComRetries = std::to_string(*retries);
+    txtComRetries_Change();
+    return true;
+}
+
+// Only the general tab shows until a version is known.
+void HideTabs() {
+    SSTab1.TabVisible.fill(false);
+    SSTab1.TabVisible[kGeneralTab] = true;
+    SSTab1.TabsPerRow = 1;
+}
+
+bool RestoreTicks() {
+    return Take(GetBoolean("ExitCheckUnsavedData", true), mnuCheckUnsavedData.Checked);
+}
+
+bool RestoreTab() {
+    std::int16_t tab = 0;
+    if (!Take(GetInteger("MainTab", kTabs - 1), tab)) return false;
+    const bool shown = tab >= 0 && tab < kTabs && SSTab1.TabVisible[static_cast<std::size_t>(tab)];
+    SSTab1.Tab = shown ? tab : kGeneralTab;
+    return true;
+}
+
+bool RestoreMapRefLabels() {
+    bool labels = false;
+    if (!Take(GetBoolean("MainMapRefLabels", false), labels)) return false;
+    if (labels) mnuMapRefLabels_Click();
+    return true;
+}
+
+bool RestoreStoich() {
+    StoichAF = LenientNumber(GetSetting("Settings", "StoichAF", "14.7"));
+    if (StoichAF < 10 || StoichAF > 30) StoichAF = kDefaultStoichAF;
+    return true;
+}
+
+bool RestoreMapDisplay() {
+    std::int32_t injection = 0;
+    std::int16_t colours = 0;
+    std::int32_t base = 0;
+    if (!Take(GetLong("InjMapType", 0), injection)) return false;
+    mnuInjMapDisplay_Click(injection);
+    if (!Take(GetInteger("MapColourScheme", 1), colours)) return false;
+    mnuSetupMapColourScheme_Click(colours);
+    if (!Take(GetLong("BaseMapType", 0), base)) return false;
+    mnuBaseMapDisplay_Click(base);
+    return true;
+}
+
+// The start order. False: a step failed and the rest was skipped.
+bool Start([[maybe_unused]] const std::string& commandLine) {
+    DebugLogInit();
+    MainFormReady = true;
+    CorvaneVer = GetSetting("Settings", "LastCorvaneVer", "V2.0");
+    SetAuxChannelCount();
+    DisplayInitForCorvaneVer();
+    CheckCorvaneVer = true;
+    GridInit();
+    if (!RestoreWindow()) return false;
+    if (!RestorePort()) return false;
+    if (!RestoreLinkSettings()) return false;
+    DataChanged = false;
+    HideTabs();
+    if (!RestoreTicks()) return false;
+    if (!RestoreTab()) return false;
+    if (!RestoreMapRefLabels()) return false;
+    if (!RestoreStoich()) return false;
+    if (!RestoreMapDisplay()) return false;
+    HideProgress(Progress2);
+    return true;
+}
+
+void SavePort() {
+    if (MSComm1.PortOpen()) MSComm1.Close();
+    for (std::size_t i = 0; i < mnuCom.size(); ++i) {
+        if (mnuCom[i].Checked) SaveNumber("ComPort", static_cast<double>(i + 1));
+    }
+}
+
+void SaveWindow() {
+    SaveNumber("MainWindowState", MainFormState.WindowState);
+    if (MainFormState.WindowState != 0) return;
+    SaveNumber("MainLeft", MainFormState.Left);
+    SaveNumber("MainTop", MainFormState.Top);
+    SaveNumber("MainHeight", MainFormState.Height);
+    SaveNumber("MainWidth", MainFormState.Width);
+    SaveNumber("MainTab", SSTab1.Tab);
+}
+
+}  // namespace
+
+void LoadDesign() {
+    LoadSettingsDesign();
+    LoadMapsDesign();
+    LoadTransfersDesign();
+    RefreshMapRefLabels();
+    MainFormState = {};
+    SetCaption("");
+}
+
+void frmMain_Load(const std::string& commandLine) {
+    if (!Start(commandLine)) MessageBox("Error in frmMain_Load", Box::Critical);
+}
+
+bool frmMain_QueryUnload() {
+    if (LongOperationRuns()) return false;
+    Answer answer{};
+    CheckUnsavedData(answer);
+    return answer != Answer::Cancel;
+}
+
+void frmMain_Unload() {
+    SaveSetting("Settings", "LastCorvaneVer", CorvaneVer);
+    SavePort();
+    SaveWindow();
+    SaveBoolean("MainMapRefLabels", mnuMapRefLabels.Checked);
+    SaveBoolean("ExitCheckUnsavedData", mnuCheckUnsavedData.Checked);
+    SaveNumber("StoichAF", StoichAF);
+    SaveNumber("InjMapType", InjMapDisplay);
+    SaveNumber("MapColourScheme", MapColourScheme);
+    SaveNumber("BaseMapType", BaseMapDisplay);
+    FlushSettingsStore();
+}
+
+}  // namespace zandrel

@@ -1,0 +1,121 @@
+#include "util/numbers.h"
+
+#include <gtest/gtest.h>
+
+namespace zandrel {
+namespace {
+
+TEST(StrictNumber, WholeTextIsANumber_GivesIt) {
+    EXPECT_EQ(StrictNumber("12"), 12.0);
+    EXPECT_EQ(StrictNumber(" 0.0030517578125 "), 0.0030517578125);
+    EXPECT_EQ(StrictNumber(".004"), 0.004);
+    EXPECT_EQ(StrictNumber("5."), 5.0);
+    EXPECT_EQ(StrictNumber("-131.072"), -131.072);
+    EXPECT_EQ(StrictNumber("+50"), 50.0);
+    EXPECT_EQ(StrictNumber("1e3"), 1000.0);
+    EXPECT_EQ(StrictNumber("&H8D"), 141.0);
+    EXPECT_EQ(StrictNumber("&h1b8"), 440.0);
+}
+
+TEST(StrictNumber, AnythingElse_GivesNoValue) {
+    for (const char* text : {"", " ", "abc", "12a", "1 2", "1,5", "&H", "&HG", "--1", "+-1", ".", "-", "e5", "inf", "-inf",
+                             "nan", "infinity", "1e400", "-1e400", "0x10", "12 rpm", "1e", "&H10000000000000000"}) {
+        EXPECT_EQ(StrictNumber(text), std::nullopt) << text;
+    }
+}
+
+TEST(StrictNumber, TooSmallForADouble_IsZero) {
+    EXPECT_EQ(StrictNumber("1e-400"), 0.0);
+}
+
+TEST(StrictWhole, FractionsRoundToEven_AndRangeIs32Bits) {
+    EXPECT_EQ(StrictWhole("2.5"), 2);
+    EXPECT_EQ(StrictWhole("3.5"), 4);
+    EXPECT_EQ(StrictWhole("2147483647"), 2147483647);
+    EXPECT_EQ(StrictWhole("2147483648"), std::nullopt);
+    EXPECT_EQ(StrictWhole("x"), std::nullopt);
+}
+
+TEST(LenientNumber, StopsAtTheFirstCharacterThatCannotGoOn) {
+    EXPECT_EQ(LenientNumber("&HA7,4"), 167.0);
+    EXPECT_EQ(LenientNumber("  12rpm"), 12.0);
+    EXPECT_EQ(LenientNumber("-3.5x"), -3.5);
+    EXPECT_EQ(LenientNumber(".004"), 0.004);
+    EXPECT_EQ(LenientNumber("rpm"), 0.0);
+    EXPECT_EQ(LenientNumber(""), 0.0);
+    EXPECT_EQ(LenientNumber("inf"), 0.0);
+    EXPECT_EQ(LenientNumber("1e400"), 0.0);
+}
+
+TEST(RoundEven, TiesGoToTheEvenNumber) {
+    EXPECT_EQ(RoundEven(2.5), 2.0);
+    EXPECT_EQ(RoundEven(3.5), 4.0);
+    EXPECT_EQ(RoundEven(-2.5), -2.0);
+}
+
+TEST(FormatNumber, Picture_GivesItsDecimals) {
+    EXPECT_EQ(FormatNumber(4, "0.000"), "4.000");
+    EXPECT_EQ(FormatNumber(950, "0"), "950");
+    EXPECT_EQ(FormatNumber(0.5, "0"), "0");  // the tie goes to the even digit
+    EXPECT_EQ(FormatNumber(1.5, "0"), "2");
+    EXPECT_EQ(FormatNumber(2.5, "0"), "2");
+    EXPECT_EQ(FormatNumber(0.125, "0.00"), "0.12");
+    EXPECT_EQ(FormatNumber(-1234567.891, "0.00"), "-1234567.89");
+}
+
+TEST(FormatNumber, ExactBinaryValue_DecidesWhatLooksLikeATie) {
+    // 1.005 is stored a little below itself, 1.015 a little below, 0.285 a little above 0.285 - 1e-17.
+    EXPECT_EQ(FormatNumber(1.005, "0.00"), "1.00");
+    EXPECT_EQ(FormatNumber(2.675, "0.00"), "2.67");
+    EXPECT_EQ(FormatNumber(0.375, "0.00"), "0.38");
+}
+
+TEST(FormatNumber, NoMinusBeforeAZero) {
+    EXPECT_EQ(FormatNumber(-0.0004, "0.000"), "0.000");
+    EXPECT_EQ(FormatNumber(-0.0, "0"), "0");
+    EXPECT_EQ(FormatNumber(-0.0, ""), "0");
+    EXPECT_EQ(FormatNumber(-0.0006, "0.000"), "-0.001");
+}
+
+TEST(FormatNumber, EmptyPicture_IsTheGeneralForm) {
+    EXPECT_EQ(FormatNumber(12, ""), "12");
+    EXPECT_EQ(FormatNumber(0.1, ""), "0.1");
+    EXPECT_EQ(FormatNumber(14.7, ""), "14.7");
+    EXPECT_EQ(FormatNumber(-2.5, ""), "-2.5");
+}
+
+TEST(NumberText, BlankBeforeANumberOfZeroAndAbove) {
+    EXPECT_EQ(NumberText(0), " 0");
+    EXPECT_EQ(NumberText(251), " 251");
+    EXPECT_EQ(NumberText(-3), "-3");
+}
+
+TEST(Hex2, TwoDigits_UpperOnesAreLost) {
+    EXPECT_EQ(Hex2(5), "05");
+    EXPECT_EQ(Hex2(0xAB), "AB");
+    EXPECT_EQ(Hex2(0x1AB), "AB");
+    EXPECT_EQ(Hex2(0), "00");
+}
+
+TEST(Hex, NoLeadingZero) {
+    EXPECT_EQ(Hex(5), "5");
+    EXPECT_EQ(Hex(0x8D), "8D");
+}
+
+TEST(SafeNumber, EmptyAndBadTexts_GiveZero) {
+    EXPECT_EQ(SafeNumber(""), 0);
+    EXPECT_EQ(SafeNumber("abc"), 0);
+    EXPECT_EQ(SafeNumber("14.7"), 14.7);
+}
+
+TEST(FormatPoint, HasAPoint) {
+    EXPECT_EQ(FormatPoint(0.251, "0.000"), "0.251");
+}
+
+TEST(MinMaxSingle, SmallerAndLarger) {
+    EXPECT_EQ(MinSingle(1.5F, -2), -2);
+    EXPECT_EQ(MaxSingle(1.5F, -2), 1.5F);
+}
+
+}  // namespace
+}  // namespace zandrel
