@@ -48,67 +48,78 @@ int FrameFlow::Gap() const {
     return given >= 0 ? given : 8;
 }
 
-FrameFlow::Plan FrameFlow::PlanFor(int width, int columns) const {
+// Fills columns of at most `height` one after the other. Returns the width that they take.
+int FrameFlow::Fill(Plan& plan, int height) const {
     const int gap = Gap();
-    const int share = (width - (columns - 1) * gap) / columns;
-    if (share < 1) return {{}, QLAYOUTSIZE_MAX, QLAYOUTSIZE_MAX};
-    const auto spanOf = [&](const QLayoutItem* item) {
-        return std::clamp((WidthOf(item) + gap + share + gap - 1) / (share + gap), 1, columns);
-    };
-    // Columns no wider than the frames need, or a little more where that fills the window.
-    int needed = 0;
-    for (const QLayoutItem* item : items_) {
-        if (item->isEmpty()) continue;
-        const int span = spanOf(item);
-        needed = std::max(needed, (WidthOf(item) - (span - 1) * gap + span - 1) / span);
+    plan.Widths.assign(1, 0);
+    int bottom = 0;
+    for (Place& place : plan.Places) {
+        if (bottom > 0 && bottom + place.Wanted.height() > height) {
+            plan.Widths.push_back(0);
+            bottom = 0;
+        }
+        place.Column = plan.Widths.size() - 1;
+        plan.Widths.back() = std::max(plan.Widths.back(), place.Wanted.width());
+        bottom += place.Wanted.height() + gap;
     }
-    const int column = std::min(share, std::max(needed + needed / 4, 1));
+    int width = gap * static_cast<int>(plan.Widths.size() - 1);
+    for (const int each : plan.Widths) width += each;
+    return width;
+}
 
+// The lowest column height whose columns fit beside each other; one column if none does.
+FrameFlow::Plan FrameFlow::PlanFor(int width) const {
     Plan plan;
-    int spread = 0;
-    std::vector<int> bottoms(static_cast<std::size_t>(columns), 0);
     for (QLayoutItem* item : items_) {
         if (item->isEmpty()) continue;
-        const int span = spanOf(item);
-        spread += span - 1;
-        int best = 0;
-        int top = QLAYOUTSIZE_MAX;
-        for (int first = 0; first + span <= columns; ++first) {
-            const int under = *std::max_element(bottoms.begin() + first, bottoms.begin() + first + span);
-            if (under < top) {
-                top = under;
-                best = first;
-            }
-        }
-        const int itemWidth = std::max(span * column + (span - 1) * gap, std::min(WidthOf(item), width));
-        const int height = HeightOf(item, itemWidth);
-        plan.Places.push_back({item, QRect(best * (column + gap), top, itemWidth, height)});
-        std::fill(bottoms.begin() + best, bottoms.begin() + best + span, top + height + gap);
+        const int wanted = WidthOf(item);
+        plan.Places.push_back({item, QSize(wanted, HeightOf(item, wanted))});
     }
-    plan.Height = std::max(0, *std::max_element(bottoms.begin(), bottoms.end()) - gap);
-    // Frames over several columns look restless: they have to save some height.
-    plan.Cost = plan.Height + spread * gap * 3;
+    if (plan.Places.empty()) return plan;
+    std::vector<int> heights;  // of all runs of neighbours: no other column height makes a difference
+    for (std::size_t first = 0; first < plan.Places.size(); ++first) {
+        int height = 0;
+        for (std::size_t last = first; last < plan.Places.size(); ++last) {
+            height += plan.Places[last].Wanted.height();
+            heights.push_back(height);
+            height += Gap();
+        }
+    }
+    std::sort(heights.begin(), heights.end());
+    int tallest = 0;
+    for (const Place& place : plan.Places) tallest = std::max(tallest, place.Wanted.height());
+    int taken = 0;
+    for (const int height : heights) {
+        if (height < tallest) continue;
+        taken = Fill(plan, height);
+        if (taken <= width) break;
+    }
+    if (taken > width) taken = Fill(plan, QLAYOUTSIZE_MAX);
+    Settle(plan, std::max(0, width - taken));
     return plan;
 }
 
-FrameFlow::Plan FrameFlow::BestPlan(int width) const {
-    constexpr int kMostColumns = 16;
-    int narrowest = QLAYOUTSIZE_MAX;
-    for (const QLayoutItem* item : items_) {
-        if (!item->isEmpty()) narrowest = std::min(narrowest, WidthOf(item));
+// Columns take up to a sixth more than they need where the window has the room; frames are then placed for
+// good, since one with word-wrapped notes is lower in a wider column.
+void FrameFlow::Settle(Plan& plan, int room) const {
+    const int gap = Gap();
+    const auto columns = static_cast<int>(plan.Widths.size());
+    for (int& width : plan.Widths) width += std::min(width / 6, room / columns);
+    std::vector<int> lefts(plan.Widths.size(), 0);
+    for (std::size_t i = 1; i < lefts.size(); ++i) lefts[i] = lefts[i - 1] + plan.Widths[i - 1] + gap;
+    std::vector<int> bottoms(plan.Widths.size(), 0);
+    for (Place& place : plan.Places) {
+        const int width = plan.Widths[place.Column];
+        const int height = HeightOf(place.Item, width);
+        place.Rect = QRect(lefts[place.Column], bottoms[place.Column], width, height);
+        bottoms[place.Column] += height + gap;
     }
-    const int most = std::clamp((width + Gap()) / (std::max(narrowest, 1) + Gap()), 1, kMostColumns);
-    Plan best = PlanFor(width, 1);
-    for (int columns = 2; columns <= most; ++columns) {
-        Plan plan = PlanFor(width, columns);
-        if (plan.Cost < best.Cost) best = std::move(plan);
-    }
-    return best;
+    plan.Height = *std::max_element(bottoms.begin(), bottoms.end()) - gap;
 }
 
 int FrameFlow::heightForWidth(int width) const {
     const QMargins margins = contentsMargins();
-    return BestPlan(width - margins.left() - margins.right()).Height + margins.top() + margins.bottom();
+    return PlanFor(width - margins.left() - margins.right()).Height + margins.top() + margins.bottom();
 }
 
 QSize FrameFlow::minimumSize() const {
@@ -129,7 +140,7 @@ QSize FrameFlow::sizeHint() const {
 void FrameFlow::setGeometry(const QRect& rect) {
     QLayout::setGeometry(rect);
     const QRect inner = rect.marginsRemoved(contentsMargins());
-    for (const Place& place : BestPlan(inner.width()).Places) {
+    for (const Place& place : PlanFor(inner.width()).Places) {
         place.Item->setGeometry(place.Rect.translated(inner.topLeft()));
     }
 }

@@ -1,5 +1,5 @@
-// A layout that lets frames of unequal height flow in columns: as many columns as the width has room for,
-// each frame at the highest free place, in their order. Hidden frames take no room.
+// A layout that lets frames of unequal size flow in columns, down the first, then down the next, so that the
+// page becomes as short as its width allows. Hidden frames take no room.
 #pragma once
 
 #include <QLayout>
@@ -27,15 +27,18 @@ class FrameFlow : public QLayout {
   private:
     struct Place {
         QLayoutItem* Item;
-        QRect Rect;
+        QSize Wanted;
+        std::size_t Column = 0;
+        QRect Rect = {};
     };
     struct Plan {
         std::vector<Place> Places;
+        std::vector<int> Widths = {};  // of the columns
         int Height = 0;
-        int Cost = 0;
     };
-    Plan PlanFor(int width, int columns) const;
-    Plan BestPlan(int width) const;
+    Plan PlanFor(int width) const;
+    int Fill(Plan& plan, int height) const;
+    void Settle(Plan& plan, int room) const;
     int Gap() const;
 
     std::vector<QLayoutItem*> items_;

@@ -27,6 +27,7 @@
 #include "shell/windows/progresswindows.h"
 #include "shell/windows/settingspage.h"
 #include "shell/windows/shown.h"
+#include "shell/windows/tabrow.h"
 #include "tuning/display.h"
 #include "tuning/mainform.h"
 #include "tuning/maps.h"
@@ -140,10 +141,8 @@ QWidget* frmMain::BuildButtons() {
 }
 
 void frmMain::BuildTabs() {
-    SSTab1_ = new QTabWidget(this);
+    SSTab1_ = new TabRow(this);
     SSTab1_->setObjectName(QStringLiteral("SSTab1"));
-    SSTab1_->tabBar()->setExpanding(false);
-    SSTab1_->setElideMode(Qt::ElideNone);
     for (int tab = 0; tab < kTabs; ++tab) {
         QWidget* page = nullptr;
         if (tab < kMapTabs) {
@@ -221,13 +220,17 @@ void frmMain::MirrorTitle() {
 
 void frmMain::MirrorTabs() {
     const QSignalBlocker quiet(SSTab1_);
+    bool changed = false;
     for (int tab = 0; tab < kTabs; ++tab) {
         const auto at = static_cast<std::size_t>(tab);
         const QString caption = WithoutMnemonic(SSTab1.TabCaption[at]);
-        if (SSTab1_->tabText(tab) != caption) SSTab1_->setTabText(tab, caption);
-        if (SSTab1_->isTabVisible(tab) != SSTab1.TabVisible[at])
-            SSTab1_->setTabVisible(tab, SSTab1.TabVisible[at]);
+        const bool visible = SSTab1.TabVisible[at];
+        if (SSTab1_->tabText(tab) == caption && SSTab1_->isTabVisible(tab) == visible) continue;
+        changed = true;
+        SSTab1_->setTabText(tab, caption);
+        SSTab1_->setTabVisible(tab, visible);
     }
+    if (changed) SSTab1_->FitCaptions();
     if (SSTab1_->currentIndex() == SSTab1.Tab) return;
     if (SSTab1.Tab >= kFirstSettingsTab && SSTab1.Tab < kGeneralTab) BuildPage(SSTab1.Tab);
     SSTab1_->setCurrentIndex(SSTab1.Tab);

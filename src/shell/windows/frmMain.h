@@ -16,7 +16,6 @@ class QCheckBox;
 class QLabel;
 class QMenu;
 class QPushButton;
-class QTabWidget;
 
 namespace zandrel {
 
@@ -24,6 +23,7 @@ class frmProgress2;
 class frmProgressScan;
 class MapPage;
 class SettingsPage;
+class TabRow;
 
 class frmMain : public QMainWindow {
   public:
@@ -93,7 +93,7 @@ class frmMain : public QMainWindow {
     void KeepPlace();
     void SavePlace();
 
-    QTabWidget* SSTab1_ = nullptr;
+    TabRow* SSTab1_ = nullptr;
     std::array<MapPage*, kMapTabs> mapPages_{};
     std::array<QWidget*, kTabs> holders_{};  // pages of SSTab1
     std::array<SettingsPage*, kTabs> settingsPages_{};

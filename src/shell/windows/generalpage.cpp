@@ -32,15 +32,15 @@ class Emblem : public QWidget {
         painter.setPen(Qt::NoPen);
         for (int row = 0; row < kCells; ++row) {
             for (int column = 0; column < kCells; ++column) {
-                const double heat = (row + column) / (2.0 * (kCells - 1));
+                const double heat = (kCells - 1 - row + column) / (2.0 * (kCells - 1));
                 painter.setBrush(QColor::fromHsvF(static_cast<float>(0.33 * (1 - heat)), 0.75F, 0.85F));
                 painter.drawRoundedRect(
                     QRectF(column * cell + gap / 2, row * cell + gap / 2, cell - gap, cell - gap), gap, gap);
             }
         }
-        QPainterPath pull(QPointF(cell * 0.5, cell * 0.9));
-        pull.cubicTo(QPointF(cell * 1.6, cell * 0.9), QPointF(cell * 1.4, cell * 3.6),
-                     QPointF(cell * 4.5, cell * 4.1));
+        QPainterPath pull(QPointF(cell * 0.5, cell * 4.3));
+        pull.cubicTo(QPointF(cell * 2.4, cell * 4.3), QPointF(cell * 2.0, cell * 1.0),
+                     QPointF(cell * 4.5, cell * 0.7));
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(palette().color(QPalette::Window), cell * 0.32, Qt::SolidLine, Qt::RoundCap));
         painter.drawPath(pull);
@@ -51,18 +51,16 @@ class Emblem : public QWidget {
 
 }  // namespace
 
-GeneralPage::GeneralPage(QWidget* parent) : QScrollArea(parent) {
+GeneralPage::GeneralPage(QWidget* parent) : QScrollArea(parent), panel_(new QWidget) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
-    auto* inner = new QWidget;
-    auto* across = new QHBoxLayout(inner);
-    auto* column = new QVBoxLayout;
+    auto* column = new QVBoxLayout(panel_);
     const int line = fontMetrics().height();
     column->setSpacing(line);
-    column->setContentsMargins(line, line * 2, line, line);
-    column->addWidget(new Emblem(inner), 0, Qt::AlignHCenter);
+    column->setContentsMargins(0, line * 2, 0, line);
+    column->addWidget(new Emblem(panel_), 0, Qt::AlignHCenter);
 
-    auto* version = new QLabel(QString::fromUtf8(kProgramVersion), inner);
+    auto* version = new QLabel(QString::fromUtf8(kProgramVersion), panel_);
     version->setObjectName(QStringLiteral("lblVersion"));
     version->setFont(Scaled(version->font(), 1.8));
     version->setAlignment(Qt::AlignHCenter);
@@ -71,23 +69,28 @@ GeneralPage::GeneralPage(QWidget* parent) : QScrollArea(parent) {
 
     const auto texts = GeneralTexts();
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        auto* text = new QLabel(inner);
+        auto* text = new QLabel(panel_);
         text->setObjectName(MemberName("lblNotice", static_cast<int>(i)));
         text->setTextFormat(Qt::PlainText);
         text->setText(Shown(texts[i]).trimmed());
         text->setWordWrap(true);
         text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        // About seventy letters a line read best.
-        text->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
-        text->setMaximumWidth(fontMetrics().averageCharWidth() * 72);
-        text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
         column->addWidget(text);
     }
     column->addStretch(1);
+    auto* inner = new QWidget;
+    auto* across = new QHBoxLayout(inner);
     across->addStretch(1);
-    across->addLayout(column, 100);
+    across->addWidget(panel_);
     across->addStretch(1);
     setWidget(inner);
+}
+
+void GeneralPage::resizeEvent(QResizeEvent* event) {
+    // About seventy letters a line read best.
+    const int letters = fontMetrics().averageCharWidth();
+    panel_->setFixedWidth(std::clamp(viewport()->width() - 6 * letters, 20 * letters, 72 * letters));
+    QScrollArea::resizeEvent(event);
 }
 
 }  // namespace zandrel

@@ -8,6 +8,12 @@ namespace zandrel {
 class GeneralPage : public QScrollArea {
   public:
     explicit GeneralPage(QWidget* parent = nullptr);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    QWidget* panel_;
 };
 
 }  // namespace zandrel

@@ -20,8 +20,9 @@ const MapGrid& Record(int map) {
     return Grid[static_cast<std::size_t>(map)];
 }
 
-void DrawCentredText(QPainter* painter, const QRect& rect, Qt::Alignment alignment, const QString& text) {
-    painter->drawText(rect.adjusted(MapGridView::kPadding, 0, -MapGridView::kPadding, 0),
+void DrawCellText(QPainter* painter, const QRect& rect, int padding, Qt::Alignment alignment,
+                  const QString& text) {
+    painter->drawText(rect.adjusted(padding, 0, -padding, 0),
                       static_cast<int>(alignment) | Qt::TextSingleLine, text);
 }
 
@@ -45,8 +46,8 @@ class MapHead : public QHeaderView {
         painter->setPen(palette().color(QPalette::ButtonText));
         painter->setFont(grid_->CellFont());
         const auto alignment = model()->headerData(section, orientation(), Qt::TextAlignmentRole).toInt();
-        DrawCentredText(painter, rect.adjusted(0, 0, -1, -1), Qt::Alignment(alignment),
-                        model()->headerData(section, orientation(), Qt::DisplayRole).toString());
+        DrawCellText(painter, rect.adjusted(0, 0, -1, -1), grid_->Padding(), Qt::Alignment(alignment),
+                     model()->headerData(section, orientation(), Qt::DisplayRole).toString());
         painter->restore();
     }
 
@@ -68,8 +69,8 @@ class CellPainter : public QStyledItemDelegate {
         painter->fillRect(option.rect, back);
         painter->setFont(grid_->CellFont());
         painter->setPen(ink);
-        DrawCentredText(painter, option.rect, model->ColumnAlignment(index.column()),
-                        model->CellText(index.row(), index.column()));
+        DrawCellText(painter, option.rect, grid_->Padding(), model->ColumnAlignment(index.column()),
+                     model->CellText(index.row(), index.column()));
         if (option.state.testFlag(QStyle::State_Selected)) {
             const bool current = index == grid_->currentIndex();
             DrawFrame(painter, option.rect, option.palette.color(QPalette::Highlight), ink, current);
@@ -194,12 +195,15 @@ void MapGridView::LayOut() {
         sum += share[c];
     }
 
-    constexpr int kAround = 2 * kPadding + 3;  // with the grid line
+    constexpr int kAround = 2 * kLeastPadding + 3;  // with the grid line
     const int longest = std::max(1, LongestText(fontMetrics()));
     const int room = static_cast<int>(total * share[1] / sum) - kAround;
     const double factor = std::clamp(double(room) / longest, kSmallestFont, 1.0);
     cellFont_ = factor < 1 ? Scaled(font(), factor) : font();
-    const int narrowest = LongestText(QFontMetrics(cellFont_)) + kAround - 1;
+    const int fitted = LongestText(QFontMetrics(cellFont_));
+    const int narrowest = fitted + kAround - 1;
+    // The longest text stands in the middle of its column, all others begin or end with it.
+    padding_ = std::max(kLeastPadding, (static_cast<int>(total * share[1] / sum) - 1 - fitted) / 2);
 
     verticalHeader()->setFixedWidth(static_cast<int>(std::lround(total * share[0] / sum)));
     double edge = share[0];

@@ -40,7 +40,7 @@ class MapGridView : public QTableView {
     const QFont& CellFont() const { return cellFont_; }
 
     /// Room beside a cell's text, in pixels.
-    static constexpr int kPadding = 2;
+    int Padding() const { return padding_; }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -52,7 +52,9 @@ class MapGridView : public QTableView {
     int LongestText(const QFontMetrics& metrics) const;
 
     MapModel* model_;
+    static constexpr int kLeastPadding = 2;
     QFont cellFont_;
+    int padding_ = kLeastPadding;
     unsigned revision_ = ~0U;
 };
 

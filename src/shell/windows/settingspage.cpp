@@ -19,6 +19,7 @@
 #include "shell/windows/commands.h"
 #include "shell/windows/frameflow.h"
 #include "shell/windows/shown.h"
+#include "tuning/display.h"
 #include "tuning/settings.h"
 #include "util/numbers.h"
 #include "util/text.h"
@@ -26,6 +27,7 @@
 namespace zandrel {
 namespace {
 
+constexpr int kSwitchNamesBlock = 0xEB;     // second block of the long sensor set
 constexpr char kBoundProperty[] = "bound";  // place of a widget's record in the page's list
 
 // The frames of a tab in the order in which they are to stand. The record arrays are sorted by number;
@@ -88,6 +90,27 @@ QToolButton* CurveButton(QWidget* parent) {
     return button;
 }
 
+// Fields that stand in one column get one width, boxes and lines of text one height.
+void EvenOutFields(QGridLayout* grid) {
+    const int line = GapOf(grid->parentWidget(), 1.45);
+    for (int column = 0; column < grid->columnCount(); ++column) {
+        std::vector<QWidget*> fields;
+        int width = 0;
+        for (int row = 0; row < grid->rowCount(); ++row) {
+            QLayoutItem* item = grid->itemAtPosition(row, column);
+            if (item == nullptr || item->widget() == nullptr) continue;
+            if (qobject_cast<QAbstractButton*>(item->widget()) != nullptr &&
+                qobject_cast<QToolButton*>(item->widget()) == nullptr) {
+                item->widget()->setMinimumHeight(line);
+            }
+            if (qobject_cast<QLineEdit*>(item->widget()) == nullptr) continue;
+            fields.push_back(item->widget());
+            width = std::max(width, item->widget()->minimumWidth());
+        }
+        for (QWidget* field : fields) field->setFixedWidth(width);
+    }
+}
+
 int CurveOfRank(int frame, int rank) {
     for (const auto& [index, button] : cmdEditCurve) {
         if (button.Frame == frame && rank-- == 0) return index;
@@ -103,8 +126,15 @@ bool IsRevIdleFrame(int frame) {
     return frame == 120 || frame == 1120;
 }
 
-bool IsShown(const Control& record, int index, bool onTab) {
-    if (onTab) return record.Visible && !Printable(record.Caption).isEmpty();
+// A tab's own text is of use where its block holds names. On a build with a second base map the block of the
+// short sensor names is a piece of that map.
+bool HoldsNames(const Control& record) {
+    const int block = static_cast<int>(LenientNumber(record.Tag));
+    return (block == ExtraBlock || block == kSwitchNamesBlock) && !Printable(record.Caption).isEmpty();
+}
+
+bool IsShown(const Control& record, int index) {
+    if (record.Frame < 0) return record.Visible && HoldsNames(record);
     if (!record.Visible) return false;
     if (!IsRevIdleFrame(record.Frame)) return true;
     return RowStandsInFrame(txtSetting[index], FraSettings[record.Frame]);
@@ -191,16 +221,20 @@ QGroupBox* SettingsPage::BuildFrame(int frame) {
         auto* label = qobject_cast<QLabel*>(widget);
         if (label != nullptr && cell.InHeadRow) {
             label->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
+            if (cell.Row > 0) label->setMinimumHeight(GapOf(label, 1.45));
         } else if (label != nullptr && !label->wordWrap() && cell.Kind == 'L' &&
                    BeginsLikeNumber(bounds_.back().Record().Caption)) {
             label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        } else if (cell.Kind == 't' || cell.Kind == 'k') {
+        } else if (cell.Kind == 't' || cell.Kind == 'k' || cell.Kind == 'e') {
             alignment |= Qt::AlignLeft;
         }
         if (cell.Kind == 'n' || (label != nullptr)) alignment = {};
         grid->addWidget(widget, cell.Row, cell.Column, 1, cell.Columns, alignment);
     }
-    grid->setColumnStretch(frame == 560 ? 0 : columns, 1);
+    EvenOutFields(grid);
+    // What is to spare stands right of the fields; notes take it.
+    const bool hasNotes = frame == 550 || frame == 560;
+    grid->setColumnStretch(hasNotes ? columns - 1 : columns, 1);
     grid->setRowStretch(grid->rowCount(), 1);
     frames_.push_back({box, frame, {}});
     return box;
@@ -303,7 +337,7 @@ void SettingsPage::MirrorControl(Bound& bound) {
         auto* button = static_cast<QAbstractButton*>(bound.Widget);
         if (button->isChecked() != (record.Value != 0)) button->setChecked(record.Value != 0);
     }
-    const bool visible = IsShown(record, bound.Index, record.Frame < 0);
+    const bool visible = IsShown(record, bound.Index);
     if (visible != bound.Visible) {
         bound.Visible = visible;
         bound.Widget->setVisible(visible);
