@@ -131,7 +131,12 @@ bool ReadBlock(int block, int length, bool show) {
 // Fetches the blocks that name the build. The older families keep them in 0x6B and 0x6C.
 bool ReadVersionBlocks() {
     if (ReadBlock(0xF3, 8, false)) return ReadBlock(0xF5, 5, true);
-    if (ReadBlock(0x6B, 8, true)) return ReadBlock(0x6C, 5, true);
+    if (ReadBlock(0x6B, 8, true)) {
+        // This Power-FC has no 0xF3. What an earlier one left there would name the wrong build.
+        ReadData[0xF3].clear();
+        ReadData[0xF5].clear();
+        return ReadBlock(0x6C, 5, true);
+    }
     DebugLog("Error reading PFC version");
     ShowNotResponding(true);
     return false;

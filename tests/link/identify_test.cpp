@@ -120,6 +120,18 @@ TEST_F(Identify, VersionOfTheOlderFamilies_IsReadFrom6C) {
     EXPECT_EQ(received, (Frames{"0102FC", "F3020A", "F3020A", "F3020A", "6B0292", "6C0291", "690294"}));
 }
 
+// A Power-FC of a newer family was swapped for one of an older: the newer one's name blocks still stood in
+// the image and named the wrong build.
+TEST_F(Identify, OlderFamilyAfterANewerOne_IsReadFrom6C) {
+    ASSERT_TRUE(ValidVersion(true, true));
+    Restart(Of("RB26DETT3.11D"));
+    EXPECT_TRUE(ValidVersion(true, true));
+    EXPECT_EQ(VerNumber, "3.11D");
+    Restart(Of("RB26DETT6.42"));
+    EXPECT_TRUE(ValidVersion(true, true));
+    EXPECT_EQ(VerNumber, "6.42");
+}
+
 TEST_F(Identify, PowerFcThatNamesNothing_IsToldAndFails) {
     device->Silence(0xF3, powerfc::kForever);
     device->Silence(0x6B, powerfc::kForever);
@@ -196,10 +208,10 @@ TEST_F(Identify, ImageOfTheVersionInForce_IsValid) {
 
 TEST_F(Identify, ImageOfAnotherBuild_RebuildsTheDisplayWithoutTheLink) {
     ApplyBuild("RB26DETT6.42");
-    ReadData[0xF3] = "B18C2   ";
+    ReadData[0xF3] = "B18C    ";
     ReadData[0xF5] = "2.02B";
     EXPECT_TRUE(ValidVersion(false, true));
-    EXPECT_EQ(VerName, "B18C2");
+    EXPECT_EQ(VerName, "B18C");
     EXPECT_EQ(BaseMapIndex, 2);
     EXPECT_TRUE(device->Received().empty());
 }

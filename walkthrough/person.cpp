@@ -1,0 +1,203 @@
+#include "person.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPointer>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+#include <cstdio>
+#include <deque>
+
+namespace zandrel {
+namespace {
+
+struct ExpectedBox {
+    QString Text, Caption;
+};
+
+QPointer<QWidget> Window;
+QDir Folder;
+std::deque<ExpectedBox> Boxes;
+QString Surprise;  // a box that nobody announced, or no box where one was announced
+int Pictures = 0;
+QElapsedTimer Clock;
+
+QAbstractButton* ButtonOf(const QMessageBox& box, const QString& caption) {
+    for (QAbstractButton* button : box.buttons()) {
+        if (QString(button->text()).remove(QLatin1Char('&')) == caption) return button;
+    }
+    return nullptr;
+}
+
+// Looks for a message box and answers it as a person told beforehand would.
+void AnswerBoxes() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        auto* box = qobject_cast<QMessageBox*>(widget);
+        if (box == nullptr || !box->isVisible() || box->property("answered").toBool()) continue;
+        std::printf("            message: %s\n",
+                    qPrintable(box->text().replace(QLatin1Char('\n'), QStringLiteral(" / "))));
+        QAbstractButton* button = nullptr;
+        if (!Boxes.empty() && box->text().startsWith(Boxes.front().Text)) {
+            button = ButtonOf(*box, Boxes.front().Caption);
+            Boxes.pop_front();
+        } else if (Surprise.isEmpty()) {
+            Surprise = QStringLiteral("unexpected message: ") + box->text();
+        }
+        if (button == nullptr) button = box->buttons().constFirst();
+        box->setProperty("answered", true);
+        QTest::mouseClick(button, Qt::LeftButton);
+        return;
+    }
+}
+
+QMenu& MenuNamed(const QString& name) {
+    auto* menu = Window->findChild<QMenu*>(name);
+    if (menu == nullptr) Fail(QStringLiteral("no menu ") + name);
+    return *menu;
+}
+
+}  // namespace
+
+void Fail(const QString& reason) {
+    throw TourFailure{reason};
+}
+
+void Require(bool condition, const QString& otherwise) {
+    if (!condition) Fail(otherwise);
+}
+
+void BeginTour(QWidget& window, const QString& folder) {
+    Window = &window;
+    Folder = QDir(folder);
+    Clock.start();
+    auto* watch = new QTimer(&window);
+    QObject::connect(watch, &QTimer::timeout, &window, [] { AnswerBoxes(); });
+    watch->start(15);
+}
+
+void Step(const QString& name, const std::function<QString()>& action) {
+    std::printf("[%7.3f s] %s\n", static_cast<double>(Clock.elapsed()) / 1000, qPrintable(name));
+    std::fflush(stdout);
+    Boxes.clear();
+    Surprise.clear();
+    QElapsedTimer step;
+    step.start();
+    const QString found = action();
+    QTest::qWait(20);  // a box that the step has left behind shows itself
+    if (!Surprise.isEmpty()) Fail(Surprise);
+    if (!Boxes.empty()) Fail(QStringLiteral("this message did not come: ") + Boxes.front().Text);
+    std::printf("            %s (%lld ms)\n", qPrintable(found.isEmpty() ? QStringLiteral("done") : found),
+                static_cast<long long>(step.elapsed()));
+    std::fflush(stdout);
+}
+
+void Expect(const QString& text, const QString& caption) {
+    Boxes.push_back({text, caption});
+}
+
+bool OnScreen(const QString& name) {
+    for (QWidget* widget : QApplication::allWidgets()) {
+        if (widget->objectName() == name && widget->isVisible()) return true;
+    }
+    return false;
+}
+
+QWidget& Find(const QString& name) {
+    for (QWidget* widget : QApplication::allWidgets()) {
+        if (widget->objectName() == name && widget->isVisible()) return *widget;
+    }
+    Fail(name + QStringLiteral(" is not on the screen"));
+}
+
+void Click(const QString& name) {
+    QWidget& widget = Find(name);
+    Require(widget.isEnabled(), name + QStringLiteral(" can't be clicked: it is disabled"));
+    QTest::mouseClick(&widget, Qt::LeftButton);
+}
+
+void ChooseItem(const std::vector<QString>& path) {
+    QMenu& first = MenuNamed(path.front());
+    auto* bar = Window->findChild<QMenuBar*>();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(first.menuAction()).center());
+    QMenu* open = &first;
+    for (std::size_t i = 1; i < path.size(); ++i) {
+        WaitUntil([open] { return open->isVisible(); }, 5000,
+                  open->objectName() + QStringLiteral(" did not open"));
+        QAction* item = nullptr;
+        for (QAction* action : open->actions()) {
+            const bool submenu = action->menu() != nullptr && action->menu()->objectName() == path[i];
+            if (action->objectName() == path[i] || submenu) item = action;
+        }
+        Require(item != nullptr && item->isVisible(), path[i] + QStringLiteral(" is not in the menu"));
+        Require(item->isEnabled(), path[i] + QStringLiteral(" is disabled"));
+        QMenu* next = item->menu();
+        QTest::mouseClick(open, Qt::LeftButton, {}, open->actionGeometry(item).center());
+        if (next != nullptr) open = next;
+    }
+}
+
+void ChooseTab(int tab) {
+    auto* tabs = Window->findChild<QTabWidget*>(QStringLiteral("SSTab1"));
+    Require(tabs != nullptr && tabs->isTabVisible(tab), QStringLiteral("tab %1 is not shown").arg(tab));
+    QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, {}, tabs->tabBar()->tabRect(tab).center());
+    Require(tabs->currentIndex() == tab, QStringLiteral("tab %1 did not come up").arg(tab));
+}
+
+void ChooseEntry(const QString& name, int index) {
+    auto* list = qobject_cast<QComboBox*>(&Find(name));
+    Require(list != nullptr && list->isEnabled(), name + QStringLiteral(" can't be chosen from"));
+    list->setFocus();
+    for (int presses = 0; list->currentIndex() != index && presses < 20; ++presses) {
+        QTest::keyClick(list, list->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
+    }
+    Require(list->currentIndex() == index, name + QStringLiteral(" does not follow the keys"));
+}
+
+void WaitUntil(const std::function<bool()>& condition, int milliseconds, const QString& otherwise) {
+    if (!QTest::qWaitFor(condition, milliseconds)) Fail(otherwise);
+}
+
+void Once(const std::function<bool()>& condition, const std::function<void()>& action) {
+    auto* look = new QTimer(Window);
+    QObject::connect(look, &QTimer::timeout, Window, [look, condition, action] {
+        if (!condition()) return;
+        look->stop();
+        look->deleteLater();
+        action();
+    });
+    look->start(10);
+}
+
+void Picture(const QString& name) {
+    QPixmap picture = Window->grab();
+    QPainter painter(&picture);
+    // What stands over the window: menus and progress windows.
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget == Window || !widget->isVisible() || widget->isHidden()) continue;
+        const QPixmap over = widget->grab();
+        const QPoint place = widget->pos() - Window->pos();
+        painter.drawPixmap(place, over);
+        // A frame in place of the one that a desktop draws.
+        painter.setPen(Window->palette().color(QPalette::Mid));
+        painter.drawRect(QRect(place, widget->size()).adjusted(-1, -1, 0, 0));
+    }
+    painter.end();
+    const QString file = QStringLiteral("%1-%2.png").arg(++Pictures, 2, 10, QLatin1Char('0')).arg(name);
+    Require(picture.save(Folder.filePath(file)), QStringLiteral("can't write ") + file);
+}
+
+int PictureCount() {
+    return Pictures;
+}
+
+}  // namespace zandrel
