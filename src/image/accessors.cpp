@@ -1,9 +1,9 @@
 #include "image/accessors.h"
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <vector>
 
 #include "image/image.h"
 #include "util/codepage.h"
@@ -17,7 +17,7 @@ enum Size { UnsignedByte = 1, Word = 2, SignedByte = 129 };
 
 // The head that all descriptors share. No value: the descriptor is of no use.
 struct Field {
-    std::vector<std::string> Parts;
+    std::array<std::string_view, 8> Parts;  // of the descriptor; more than any form has
     std::size_t Block = 0;
     int Offset = 0;  // from 1
     const ByteString& Bytes() const { return ReadData[Block]; }
@@ -27,8 +27,14 @@ struct Field {
 
 std::optional<Field> ParseField(std::string_view descriptor, std::size_t partsNeeded) {
     Field field;
-    field.Parts = Split(descriptor, ',');
-    if (field.Parts.size() < partsNeeded) return std::nullopt;
+    std::size_t count = 0;
+    for (; count < field.Parts.size(); ++count) {
+        const auto comma = descriptor.find(',');
+        field.Parts[count] = descriptor.substr(0, comma);
+        if (comma == descriptor.npos) break;
+        descriptor.remove_prefix(comma + 1);
+    }
+    if (count + 1 < partsNeeded) return std::nullopt;
     const auto block = StrictWhole(field.Parts[0]);
     const auto offset = StrictWhole(field.Parts[1]);
     if (!block || *block < 0 || *block > 255 || !offset || *offset < 1) return std::nullopt;

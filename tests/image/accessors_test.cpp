@@ -96,9 +96,9 @@ TEST_F(Accessors, EmptyFormat_IsTheGeneralForm) {
 
 TEST_F(Accessors, BrokenDescriptors_ReadEmptyAndWriteNothing) {
     ReadData[0x8D] = ByteString(24, '\1');
-    for (const char* descriptor :
-         {"", "x,1,1,1,0,0", "&H18D,1,1,1,0,0", "-1,1,1,1,0,0", "256,1,1,1,0,0", "&H8D,x,1,1,0,0", "&H8D,0,1,1,0,0",
-          "&H8D,-3,1,1,0,0", "&H8D,1,x,1,0,0", "&H8D,1", "&H8D", "&H8D,1e9,1,1,0,0", ",,,,,"}) {
+    for (const char* descriptor : {"", "x,1,1,1,0,0", "&H18D,1,1,1,0,0", "-1,1,1,1,0,0", "256,1,1,1,0,0",
+                                   "&H8D,x,1,1,0,0", "&H8D,0,1,1,0,0", "&H8D,-3,1,1,0,0", "&H8D,1,x,1,0,0",
+                                   "&H8D,1", "&H8D", "&H8D,1e9,1,1,0,0", ",,,,,"}) {
         EXPECT_EQ(GetNumber(descriptor), "") << descriptor;
         EXPECT_EQ(GetString(descriptor).substr(0, 0), "") << descriptor;
         SetNumber(descriptor, "7");

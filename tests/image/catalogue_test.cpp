@@ -12,8 +12,8 @@ namespace {
 TEST(Catalogue, FamiliesHaveTheirNumberOfBuilds) {
     std::map<char, int> count;
     for (const Build& build : Builds()) ++count[build.Family];
-    const std::map<char, int> expected = {{'A', 31}, {'B', 1},  {'C', 69}, {'D', 1},  {'E', 1},  {'F', 7},
-                                          {'G', 3},  {'H', 4},  {'I', 10}, {'J', 9},  {'K', 1},  {'L', 19},
+    const std::map<char, int> expected = {{'A', 31}, {'B', 1},  {'C', 69}, {'D', 1}, {'E', 1}, {'F', 7},
+                                          {'G', 3},  {'H', 4},  {'I', 10}, {'J', 9}, {'K', 1}, {'L', 19},
                                           {'M', 11}, {'N', 30}, {'O', 7},  {'P', 10}};
     EXPECT_EQ(count, expected);
     EXPECT_EQ(Builds().size(), 214U);
@@ -93,7 +93,9 @@ TEST(Catalogue, LongLayouts_StandWhereTheBuildsHaveThem) {
 }
 
 TEST(Catalogue, ChosenCodes_AreThoseOfTheBuilds) {
-    const auto code = [](const char* key, std::size_t field) { return SettingsRecordOf(*FindBuild(key))[field - 1]; };
+    const auto code = [](const char* key, std::size_t field) {
+        return SettingsRecordOf(*FindBuild(key))[field - 1];
+    };
     EXPECT_EQ(code("RB26DETT6.42", 2), "&H86");
     EXPECT_EQ(code("RB26DETT6.42", 17), "&H8B");
     EXPECT_EQ(code("RB26DETT3.11D", 2), "&H56");
@@ -109,12 +111,13 @@ TEST(Catalogue, ChosenCodes_AreThoseOfTheBuilds) {
 TEST(Catalogue, EveryBuildsChannels_FillItsFrames) {
     // Bytes that each name takes of the Advanced frame.
     const std::map<std::string_view, int> steps = {
-        {"RPM", 2},     {"PIM", 2},     {"Load", 2},  {"Inj +/-", 2}, {"Speed", 2},    {"RSVC", 2},  {"IGN", 1},
-        {"Oil", 1},     {"PC%", 1},     {"WG%", 1},   {"Dwell", 1},   {"Knock", 1},    {"PIM V", 2}, {"TPS V", 2},
-        {"AFL V", 2},   {"VTA V", 2},   {"MAFS1", 2}, {"MAFS2", 2},   {"TPS2V", 2},    {"Inj ms", 2}, {"InjFrPr", 2},
-        {"InjFrSc", 2}, {"IGL", 1},     {"IGT", 1},   {"FuelT", 1},   {"WtrT", 1},     {"AirT", 1},  {"AirT2", 1},
-        {"Boost", 2},   {"Duty", 2},    {"BatV", 1},  {"O2S", 1},     {"O2S1", 1},     {"O2S2", 1},  {"MAFS Act", 2},
-        {"?\?\?", 1},   {"?\?\?(2)", 2}};
+        {"RPM", 2},     {"PIM", 2},    {"Load", 2},    {"Inj +/-", 2}, {"Speed", 2},    {"RSVC", 2},
+        {"IGN", 1},     {"Oil", 1},    {"PC%", 1},     {"WG%", 1},     {"Dwell", 1},    {"Knock", 1},
+        {"PIM V", 2},   {"TPS V", 2},  {"AFL V", 2},   {"VTA V", 2},   {"MAFS1", 2},    {"MAFS2", 2},
+        {"TPS2V", 2},   {"Inj ms", 2}, {"InjFrPr", 2}, {"InjFrSc", 2}, {"IGL", 1},      {"IGT", 1},
+        {"FuelT", 1},   {"WtrT", 1},   {"AirT", 1},    {"AirT2", 1},   {"Boost", 2},    {"Duty", 2},
+        {"BatV", 1},    {"O2S", 1},    {"O2S1", 1},    {"O2S2", 1},    {"MAFS Act", 2}, {"?\?\?", 1},
+        {"?\?\?(2)", 2}};
     EXPECT_EQ(ChannelRows().size(), 14U);
     for (const ChannelRow& row : ChannelRows()) {
         int bytes = 0;
@@ -149,21 +152,24 @@ TEST(Catalogue, PollCodes_AreThoseOfTheBuild) {
 }
 
 TEST(Catalogue, DerivedFields_FollowTheFamily) {
-    const auto log = [](const char* key, std::size_t field) { return LogRecordOf(*FindBuild(key))[field - 1]; };
+    const auto log = [](const char* key, std::size_t field) {
+        return LogRecordOf(*FindBuild(key))[field - 1];
+    };
     struct Row {
         const char* Key;
         std::array<const char*, 10> Fields;
     };
     const Row rows[] = {
-        {"1JZ-GTE23.12", {"&H9A", "", "&HBB", "&H9D", "&H8D", "", "", "&H92", "", ""}},          // A
-        {"RB25DET2.33", {"&H9A", "&H97", "&H99", "", "&H8D", "", "", "&H92", "", ""}},           // C
-        {"4G631.65", {"&H9A", "&H97", "&H99", "", "&H8D", "", "", "&H92", "", ""}},              // J
-        {"RB26DETT6.42", {"&H9A", "&H97", "&H99", "", "&H8D", "", "", "&H92", "", ""}},          // N
-        {"13B-REW7.07", {"&H9A", "", "&HBB", "&H9D", "", "&H8D", "", "&H92", "&H9F", "&H7B"}},   // L
-        {"RB26DETT3.11D", {"", "", "", "", "&H5B", "", "", "", "", ""}},                         // O
+        {"1JZ-GTE23.12", {"&H9A", "", "&HBB", "&H9D", "&H8D", "", "", "&H92", "", ""}},         // A
+        {"RB25DET2.33", {"&H9A", "&H97", "&H99", "", "&H8D", "", "", "&H92", "", ""}},          // C
+        {"4G631.65", {"&H9A", "&H97", "&H99", "", "&H8D", "", "", "&H92", "", ""}},             // J
+        {"RB26DETT6.42", {"&H9A", "&H97", "&H99", "", "&H8D", "", "", "&H92", "", ""}},         // N
+        {"13B-REW7.07", {"&H9A", "", "&HBB", "&H9D", "", "&H8D", "", "&H92", "&H9F", "&H7B"}},  // L
+        {"RB26DETT3.11D", {"", "", "", "", "&H5B", "", "", "", "", ""}},                        // O
     };
     for (const Row& row : rows) {
-        for (std::size_t i = 0; i < 10; ++i) EXPECT_EQ(log(row.Key, i + 1), row.Fields[i]) << row.Key << i + 1;
+        for (std::size_t i = 0; i < 10; ++i)
+            EXPECT_EQ(log(row.Key, i + 1), row.Fields[i]) << row.Key << i + 1;
     }
     EXPECT_EQ(log("B18C2.02B", 17), "VTLI High");
     EXPECT_EQ(log("13B-REW7.07", 17), "F/C A/E");

@@ -174,7 +174,8 @@ TEST_F(AutoDetect, StartedTwice_RunsOnce) {
 TEST_F(AutoDetect, OfferOfTheLink_LeadsHere) {
     OpenScriptedDesktop();  // the instructions come only after the offer
     mnuCom_Click(0);
-    ExpectMessage("No COM port has been selected.\nWould you like to AutoDetect the COM port now?", Answer::Yes);
+    ExpectMessage("No COM port has been selected.\nWould you like to AutoDetect the COM port now?",
+                  Answer::Yes);
     ExpectMessage(kInstructions);
     At(2, [this] { device->Say("KVX:V2.0"); });
     ExpectMessage("Corvane V2.0 found on COM1");

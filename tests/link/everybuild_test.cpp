@@ -68,7 +68,8 @@ class EveryBuildOnTheLink : public CleanState {
             if (!Shown(box)) continue;
             const auto part = Split(box.Tag, ',');
             const bool plain = Whole(part[2]) != 0;
-            EXPECT_EQ(box.Value != 0, (Byte(Whole(part[0]), Whole(part[1])) != 0) == plain) << "chkSetting " << index;
+            EXPECT_EQ(box.Value != 0, (Byte(Whole(part[0]), Whole(part[1])) != 0) == plain)
+                << "chkSetting " << index;
         }
         for (const auto& [index, box] : chkSettingBit) {
             if (!Shown(box)) continue;
@@ -86,7 +87,8 @@ class EveryBuildOnTheLink : public CleanState {
             const auto part = Split(label.Tag, ',');
             const std::string bytes = device_->BlockString(Whole(part[0]));
             const auto from = static_cast<std::size_t>(Whole(part[1]) - 1);
-            EXPECT_EQ(label.Caption, FromCodePage(bytes.substr(from, static_cast<std::size_t>(Whole(part[2])))))
+            EXPECT_EQ(label.Caption,
+                      FromCodePage(bytes.substr(from, static_cast<std::size_t>(Whole(part[2])))))
                 << "lblSetting " << index;
         }
     }
@@ -100,7 +102,8 @@ class EveryBuildOnTheLink : public CleanState {
             const double scale = static_cast<float>(std::stod(part[2]));
             const double offset = std::stod(part[3]);
             const auto point = part[4].find('.');
-            const int decimals = point == std::string::npos ? 0 : static_cast<int>(part[4].size() - point - 1);
+            const int decimals =
+                point == std::string::npos ? 0 : static_cast<int>(part[4].size() - point - 1);
             for (int column = 1; column <= 20; ++column) {
                 for (int row = 1; row <= 20; ++row) {
                     const int position = ((column - 1) * 20 + row - 1) * size;
@@ -108,7 +111,8 @@ class EveryBuildOnTheLink : public CleanState {
                     if (size == 2) raw += 256 * Byte(first + position / 100, position % 100 + 2);
                     char text[64];
                     std::snprintf(text, sizeof text, "%.*f", decimals, raw * scale + offset);
-                    ASSERT_EQ(GridCellText(map, row, column), text) << "map " << map << " " << row << "," << column;
+                    ASSERT_EQ(GridCellText(map, row, column), text)
+                        << "map " << map << " " << row << "," << column;
                 }
             }
         }

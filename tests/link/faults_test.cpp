@@ -33,11 +33,13 @@ class Faults : public LinkFixture {
     }
 
     void ExpectReplyOfBlock(int code) const {
-        EXPECT_EQ(Digits(reply_), Digits(FrameOf(ByteString(1, static_cast<char>(code)) + device->BlockString(code))));
+        EXPECT_EQ(Digits(reply_),
+                  Digits(FrameOf(ByteString(1, static_cast<char>(code)) + device->BlockString(code))));
     }
 
     // True if the log's line `n` begins and ends so; between them stand the milliseconds waited.
-    void ExpectTimeOutLine(std::size_t n, const std::string& begin, const std::string& end, int deadline) const {
+    void ExpectTimeOutLine(std::size_t n, const std::string& begin, const std::string& end,
+                           int deadline) const {
         const Frames lines = LogLines();
         ASSERT_LT(n, lines.size());
         const std::string& line = lines[n];

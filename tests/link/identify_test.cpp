@@ -69,7 +69,8 @@ TEST_F(Identify, OldInterface_IsKnownByTheFallbackAndNotAskedAgain) {
     EXPECT_FALSE(CheckCorvaneVer);
     EXPECT_EQ(AuxChannelCount, 4);
     EXPECT_TRUE(chkSettingBit[552].Visible);
-    EXPECT_EQ(device->Received(), (Frames{"0102FC", "0102FC", "0102FC", "0002FD", "F3020A", "F50208", "DD0220"}));
+    EXPECT_EQ(device->Received(),
+              (Frames{"0102FC", "0102FC", "0102FC", "0002FD", "F3020A", "F50208", "DD0220"}));
     device->ClearJournal();
     EXPECT_TRUE(ValidVersion(true, true));
     EXPECT_EQ(device->Received(), (Frames{"F3020A", "F50208"}));
@@ -253,7 +254,8 @@ TEST_F(Identify, UnknownBuild_LeadsToTheScan) {
 
 TEST_F(Identify, WithoutAPort_FailsAfterTheOffer) {
     mnuCom_Click(0);
-    ExpectMessage("No COM port has been selected.\nWould you like to AutoDetect the COM port now?", Answer::No);
+    ExpectMessage("No COM port has been selected.\nWould you like to AutoDetect the COM port now?",
+                  Answer::No);
     EXPECT_FALSE(ValidVersion(true, true));
     EXPECT_EQ(LogLines(), (Frames{"COM port not open", "Error in ValidVersion"}));
 }

@@ -19,7 +19,8 @@ class Scan : public LinkFixture {
     Scan() {
         // Every block answers, so that the scan needs not wait for the missing ones.
         for (int b = 0; b < 256; ++b) {
-            if (!device->HasBlock(b)) device->ReplaceReply(b, powerfc::Frame(static_cast<std::uint8_t>(b), {9}));
+            if (!device->HasBlock(b))
+                device->ReplaceReply(b, powerfc::Frame(static_cast<std::uint8_t>(b), {9}));
         }
     }
     // Data of a scanned block: with the checksum byte of its frame at the end.

@@ -4,8 +4,8 @@
 
 #include "image/accessors.h"
 #include "image/image.h"
-#include "link/linkfixture.h"
 #include "link/identify.h"
+#include "link/linkfixture.h"
 #include "link/packets.h"
 #include "link/port.h"
 #include "link/progress.h"
@@ -37,7 +37,8 @@ class Transfers : public LinkFixture {
     // Codes of the requests received, in order.
     std::vector<int> Codes() const {
         std::vector<int> codes;
-        for (const std::string& frame : device->Received()) codes.push_back(std::stoi(frame.substr(0, 2), nullptr, 16));
+        for (const std::string& frame : device->Received())
+            codes.push_back(std::stoi(frame.substr(0, 2), nullptr, 16));
         return codes;
     }
 };
@@ -129,7 +130,8 @@ TEST_F(Transfers, ReadAll_AnotherBuild_RebuildsTheDisplayFirst) {
 TEST_F(Transfers, ReadAll_CancelOfTheQuestion_SendsNothing) {
     DataChanged = true;
     mnuSaveAs_Click = [] {};
-    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?", Answer::Cancel);
+    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
+                  Answer::Cancel);
     cmdReadAll_Click();
     EXPECT_TRUE(device->Received().empty());
     EXPECT_TRUE(DataChanged);
@@ -167,7 +169,8 @@ TEST_F(Transfers, ReadAll_WhileItRuns_IsNotStartedTwice) {
 TEST_F(Transfers, ReadAll_WithoutAPort_ChangesNothing) {
     mnuCom_Click(0);
     const auto before = ReadData;
-    ExpectMessage("No COM port has been selected.\nWould you like to AutoDetect the COM port now?", Answer::No);
+    ExpectMessage("No COM port has been selected.\nWould you like to AutoDetect the COM port now?",
+                  Answer::No);
     cmdReadAll_Click();
     EXPECT_EQ(ReadData, before);
     EXPECT_TRUE(cmdReadAll.Enabled);

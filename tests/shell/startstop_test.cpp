@@ -28,7 +28,9 @@ class StartStop : public CleanState {
         setenv("ZANDREL_PORTS", ports.c_str(), 1);
     }
     static std::string Stored(const std::string& key) { return GetSetting("Settings", key, "(none)"); }
-    static void Store(const std::string& key, const std::string& value) { SaveSetting("Settings", key, value); }
+    static void Store(const std::string& key, const std::string& value) {
+        SaveSetting("Settings", key, value);
+    }
 
     powerfc::Simulator device_;
 };
@@ -94,8 +96,12 @@ TEST_F(StartStop, StoredValues_ComeBack) {
 }
 
 TEST_F(StartStop, StoichAF_OutsideItsRangeOrNoNumber_FallsBack) {
-    for (const auto& [text, expected] : {std::pair<const char*, double>{"10", 10}, {"30", 30}, {"30.1", 14.7},
-                                         {"9.9", 14.7}, {"petrol", 14.7}, {"12.5x", 12.5}}) {
+    for (const auto& [text, expected] : {std::pair<const char*, double>{"10", 10},
+                                         {"30", 30},
+                                         {"30.1", 14.7},
+                                         {"9.9", 14.7},
+                                         {"petrol", 14.7},
+                                         {"12.5x", 12.5}}) {
         Store("StoichAF", text);
         frmMain_Load("");
         EXPECT_EQ(StoichAF, expected) << text;
@@ -131,9 +137,9 @@ TEST_F(StartStop, StoredPortThatIsGone_IsToldAndTheStartGoesOn) {
 }
 
 TEST_F(StartStop, UnparsableKey_IsToldAndTheRestSkipped) {
-    for (const char* key : {"MainLeft", "MainWindowState", "ComPort", "ComTimeOutTicks", "ComRetries", "MainTab",
-                            "ExitCheckUnsavedData", "MainMapRefLabels", "InjMapType", "MapColourScheme",
-                            "BaseMapType"}) {
+    for (const char* key :
+         {"MainLeft", "MainWindowState", "ComPort", "ComTimeOutTicks", "ComRetries", "MainTab",
+          "ExitCheckUnsavedData", "MainMapRefLabels", "InjMapType", "MapColourScheme", "BaseMapType"}) {
         OpenSettingsStore(Folder + "/" + key + ".ini");
         Store(key, "garbage");
         ExpectBox("Error in frmMain_Load", Box::Critical);
@@ -206,10 +212,12 @@ TEST_F(StartStop, Cancel_KeepsTheProgramAndTheStore) {
     frmMain_Load("");
     DataChanged = true;
     mnuSaveAs_Click = [] {};
-    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?", Answer::Cancel);
+    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
+                  Answer::Cancel);
     EXPECT_FALSE(frmMain_QueryUnload());
     EXPECT_EQ(Stored("LastCorvaneVer"), "(none)");
-    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?", Answer::No);
+    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
+                  Answer::No);
     EXPECT_TRUE(frmMain_QueryUnload());
 }
 

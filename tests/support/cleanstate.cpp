@@ -106,7 +106,8 @@ std::vector<std::string> CleanState::LogLines() const {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (line.empty() || line.substr(0, 3) == "***") continue;
         const auto blank = line.find(' ');
-        const bool stamped = blank != line.npos && line.find('.') == blank - 4 && StrictNumber(line.substr(0, blank));
+        const bool stamped =
+            blank != line.npos && line.find('.') == blank - 4 && StrictNumber(line.substr(0, blank));
         lines.push_back(stamped ? line.substr(blank + 1) : line);
     }
     return lines;

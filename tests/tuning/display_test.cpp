@@ -80,9 +80,9 @@ TEST_F(Display, Rb26_ShowsItsMapsPagesAndFrames) {
         EXPECT_TRUE(frame.Enabled) << index;
         shown.push_back(index);
     }
-    EXPECT_EQ(shown, (std::vector<int>{100, 120, 140,  150,  155, 160, 170, 180, 190, 200,  215,  230,
-                                       240, 280, 290,  300,  370, 400, 410, 420, 430, 450,  460,  500,
-                                       520, 550, 560,  1340, 1470}));
+    EXPECT_EQ(shown,
+              (std::vector<int>{100, 120, 140, 150, 155, 160, 170, 180, 190, 200, 215, 230, 240,  280, 290,
+                                300, 370, 400, 410, 420, 430, 450, 460, 500, 520, 550, 560, 1340, 1470}));
     EXPECT_EQ(FraSettings[120].Tag, "&H8B");
     EXPECT_EQ(txtSetting[120].Tag, "&H8B,1,2,1,0,0");
     EXPECT_EQ(BlockLength[0x8B], 12);
@@ -362,7 +362,8 @@ TEST_F(Display, ThirdLogArgument_ComparesTheNumber) {
 }
 
 TEST_F(Display, LogArguments_SetUpTheirFrames) {
-    DisplayInit2(OnlyLog({{7, "&H31"}, {15, "&H69"}, {16, "Rev Limit"}, {11, "&H66"}, {12, "&H6A"}, {13, "&H68"}}));
+    DisplayInit2(
+        OnlyLog({{7, "&H31"}, {15, "&H69"}, {16, "Rev Limit"}, {11, "&H66"}, {12, "&H6A"}, {13, "&H68"}}));
     EXPECT_EQ(BlockLength[0x31], 1);
     EXPECT_FALSE(BlockWrite[0x31]);
     EXPECT_EQ(BlockLength[0x69], 80);

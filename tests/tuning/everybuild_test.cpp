@@ -103,7 +103,8 @@ TEST_F(EveryBuild, NoTwoReadableBlocksCollideInLength) {
             if (!frame.Visible || frame.Tag.empty()) continue;
             for (const std::string& code : Split(frame.Tag, ',')) {
                 if (code == "4") continue;  // the air-flow warning's second entry names no block of its own
-                EXPECT_EQ(maps.count(Whole(code)), 0U) << "frame " << index << " lies in a map, block " << code;
+                EXPECT_EQ(maps.count(Whole(code)), 0U)
+                    << "frame " << index << " lies in a map, block " << code;
                 EXPECT_TRUE(BlockRead[Whole(code)]) << "frame " << index << " block " << code;
             }
         }

@@ -16,7 +16,8 @@ class Maps : public CleanState {
         ApplyBuild(key);
         for (int map = 0; map < kMapTabs; ++map) {
             if (!SSTab1.TabVisible[map]) continue;
-            for (int k = 0; k < MapCellSize[map] * 4; ++k) ReadData[MapFirstBlock[map] + k] = ByteString(100, '\0');
+            for (int k = 0; k < MapCellSize[map] * 4; ++k)
+                ReadData[MapFirstBlock[map] + k] = ByteString(100, '\0');
         }
     }
     static void Cell(int map, int row, int column, int raw) { SetCell(map, row, column, raw); }

@@ -69,11 +69,13 @@ TEST_F(SettingsDesign, LabelsAndNotes_KeepTheirWording) {
     EXPECT_EQ(lblGeneral[321].Caption, "20");
     EXPECT_EQ(lblGeneral[550].Caption, "Tuner string (8 char)");
     EXPECT_EQ(lblAntiLag[0].Caption, "IGN Anti Lag Retard");
-    EXPECT_EQ(lblAntiLag[2].Caption,
-              "*Antilag is not supported by all Power-FC's and this feature has been removed from Corvane's made "
-              "after 16 Oct 2005.");
+    EXPECT_EQ(
+        lblAntiLag[2].Caption,
+        "*Antilag is not supported by all Power-FC's and this feature has been removed from Corvane's made "
+        "after 16 Oct 2005.");
     EXPECT_EQ(lblInternalPullups.Caption,
-              "*This option allows simple wiring and logging of switchs (good for Boost Switch feature) but reduces "
+              "*This option allows simple wiring and logging of switchs (good for Boost Switch feature) but "
+              "reduces "
               "AN5-8 input accuracy. Only use if all AN5-8 are switch inputs.");
     EXPECT_EQ(FraSettings[550].Caption,
               "Corvane Custom Features (Key Off / Key On for changes to take effect)");

@@ -18,8 +18,29 @@ TEST(StrictNumber, WholeTextIsANumber_GivesIt) {
 }
 
 TEST(StrictNumber, AnythingElse_GivesNoValue) {
-    for (const char* text : {"", " ", "abc", "12a", "1 2", "1,5", "&H", "&HG", "--1", "+-1", ".", "-", "e5", "inf", "-inf",
-                             "nan", "infinity", "1e400", "-1e400", "0x10", "12 rpm", "1e", "&H10000000000000000"}) {
+    for (const char* text : {"",
+                             " ",
+                             "abc",
+                             "12a",
+                             "1 2",
+                             "1,5",
+                             "&H",
+                             "&HG",
+                             "--1",
+                             "+-1",
+                             ".",
+                             "-",
+                             "e5",
+                             "inf",
+                             "-inf",
+                             "nan",
+                             "infinity",
+                             "1e400",
+                             "-1e400",
+                             "0x10",
+                             "12 rpm",
+                             "1e",
+                             "&H10000000000000000"}) {
         EXPECT_EQ(StrictNumber(text), std::nullopt) << text;
     }
 }

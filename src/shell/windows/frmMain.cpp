@@ -197,7 +197,6 @@ void frmMain::BuildAllPages() {
 void frmMain::Run(const std::function<void()>& action) {
     action();
     Mirror();
-    CloseIfAsked();
 }
 
 void frmMain::Mirror() {
@@ -209,6 +208,7 @@ void frmMain::Mirror() {
     MirrorMenus();
     frmProgress2_->Mirror();
     frmProgressScan_->Mirror();
+    CloseIfAsked();
 }
 
 void frmMain::MirrorTitle() {
@@ -348,7 +348,9 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::CloseIfAsked() {
-    if (closeAsked_ && !LongOperationRuns()) QTimer::singleShot(0, this, [this] { close(); });
+    if (!closeAsked_ || LongOperationRuns()) return;
+    closeAsked_ = false;
+    QTimer::singleShot(0, this, [this] { close(); });
 }
 
 }  // namespace zandrel
