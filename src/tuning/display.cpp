@@ -116,7 +116,7 @@ void SetupMaps(const SettingsRecord& record) {
             comMapType[BaseMapIndex].ListIndex = BaseMapDisplay;
         }
     }
-    if (SetupMapTab(record[9], "BaseVT1", map, "", ",2,0.004,0,0.000,0,65535")) {
+    if (SetupMapTab(record[9], "BaseVT1", map, "", ",2,0.004,0,0.000,0,65535") && map > 1) {
         const int second = map - 1;
         SSTab1.TabCaption[static_cast<std::size_t>(second - 1)] = tr("BaseVT0");
         MapBaseTable[static_cast<std::size_t>(second - 1)] = 1;
@@ -151,8 +151,8 @@ void SetupAirFlowCurves(std::string code) {
     const bool frequency = TakeLongLayout(code);
     if (!Group(code, 370, 64, {.Texts = {}, .Labels = {}, .Options = {}, .Checks = {}, .Curves = kNone}))
         return;
-    AirFlowXScale = frequency ? 0.001 : 0.005;
-    uctAirFlowGrid.Caption = frequency ? "Kpm Frq" : "Voltage";
+    SetXscale(frequency ? 0.001 : 0.005);
+    SetXName(frequency ? "Kpm Frq" : "Voltage");
     for (int i = 370; i <= 374; ++i) {
         auto sections = Split(cmdEditCurve[i].Tag, ';');
         sections[1] = ReplaceField(sections[1], frequency ? "0.001" : "0.005", 4);
@@ -201,7 +201,7 @@ bool SetupFrame(int frame, std::string_view code, int field, const FrameRanges& 
 
 bool SetupMapTab(std::string_view code, const std::string& name, std::int16_t& tabIndex,
                  const std::string& splitCaption, std::string_view tagSuffix) {
-    if (code.empty()) return false;
+    if (code.empty() || tabIndex >= kMapTabs) return false;
     const int i = tabIndex;
     const auto at = static_cast<std::size_t>(i);
     comMapType[i].Visible = false;

@@ -64,7 +64,7 @@ struct FrameRanges {
 bool SetupFrame(int frame, std::string_view code, int field, const FrameRanges& ranges = {});
 
 /// Sets up map tab `tabIndex` for the map that begins at block `code`, then moves `tabIndex` on. False:
-/// the code is empty, nothing was done.
+/// the code is empty or all map tabs are taken, nothing was done.
 bool SetupMapTab(std::string_view code, const std::string& name, std::int16_t& tabIndex,
                  const std::string& splitCaption, std::string_view tagSuffix);
 

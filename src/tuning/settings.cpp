@@ -226,8 +226,8 @@ constexpr CurveRow kCurves[] = {
     // frame index, button, specification
     { 130,  130, "Low", "3;&H7D,3,-1,1,0.390625,0,0;&H7D,6,-1,1,40,0,0"},
     { 130,  131, "High", "3;&H7D,3,-1,1,0.390625,0,0;&H7D,9,-1,1,40,0,0"},
-    { 200,  200, "Low", "6;Const,,,,,,0,-30,-10,10,30,50,80;&H8F,6,-1,1,0.015625,0,0.000"},
-    { 200,  201, "High", "6;Const,,,,,,0,-30,-10,10,30,50,80;&H8F,12,-1,1,0.015625,0,0.000"},
+    { 200,  200, "Curve 1", "6;Const,,,,,,0,-30,-10,10,30,50,80;&H8F,6,-1,1,0.015625,0,0.000"},
+    { 200,  201, "Curve 2", "6;Const,,,,,,0,-30,-10,10,30,50,80;&H8F,12,-1,1,0.015625,0,0.000"},
     { 215,  215, "Amount", "5;&H93,5,-1,1,40,0,0;&H93,14,-2,2,0.004,0,0.000"},
     { 215,  216, "Decay", "5;&H93,5,-1,1,40,0,0;&H93,24,-2,2,0.004,0,0.000"},
     {1215,   34, "Amount", "5;Const,,,,,,0,1000,2000,3000,4000,5000;&H5D,9,-2,2,0.004,0,0.000"},
@@ -507,9 +507,25 @@ void LoadSettingsDesign() {
     Text1 = OnFrame(550);
     txtNotes = OnFrame(560);
     uctAirFlowGrid = OnFrame(370);
-    uctAirFlowGrid.Caption = "Voltage";
-    AirFlowXScale = 0.005;
+    SetXName("Voltage");
+    SetXscale(0.005);
     LoadTabs();
+}
+
+std::vector<int> FramesOfTab(int tab) {
+    std::vector<int> frames;
+    for (const FrameRow& row : kFrames) {
+        if (row.Tab == tab) frames.push_back(row.Frame);
+    }
+    return frames;
+}
+
+void SetXscale(double scale) {
+    AirFlowXScale = scale;
+}
+
+void SetXName(const std::string& text) {
+    uctAirFlowGrid.Caption = text;
 }
 
 std::array<std::string, 3> GeneralTexts() {

@@ -46,6 +46,13 @@ extern TabStrip SSTab1;
 /// Puts every array into its design state: what the window is before a version is known.
 void LoadSettingsDesign();
 
+/// Frames of a settings page, in the order in which they stand.
+std::vector<int> FramesOfTab(int tab);
+
+/// Step and name of the X axis of the air-flow curves.
+void SetXscale(double scale);
+void SetXName(const std::string& text);
+
 /// The texts of the general page, in the order in which they stand.
 std::array<std::string, 3> GeneralTexts();
 

@@ -181,6 +181,7 @@ TEST_F(Display, CaptionsOfOneBuild_DoNotStayForTheNext) {
     EXPECT_EQ(BaseMapIndex, kNoMap);
     EXPECT_EQ(VisibleTabs(), (Tabs{0, 1, 6, 7, 8, 9, 10, 12}));
     EXPECT_FALSE(BlockRead[0xB0]);
+    EXPECT_FALSE(mnuReCalcBase.Enabled);
 }
 
 TEST_F(Display, AutomaticGearbox_AddsItsPageAndBlocks) {
@@ -272,9 +273,58 @@ TEST_F(Display, ArgumentOfExactly256_SelectsTheAlternativeWithCodeZero) {
     EXPECT_FALSE(FraSettings[120].Visible);
     EXPECT_EQ(FraSettings[1120].Tag, "0");
     EXPECT_TRUE(FraSettings[1140].Visible);
+    EXPECT_FALSE(FraSettings[140].Visible);
+    EXPECT_EQ(FraSettings[1140].Tag, "0");
     EXPECT_TRUE(FraSettings[1180].Visible);
+    EXPECT_FALSE(FraSettings[180].Visible);
+    EXPECT_EQ(FraSettings[1180].Tag, "0");
+    EXPECT_EQ(FraSettings[370].Tag.substr(0, 3), "0,&");
     EXPECT_EQ(AirFlowXScale, 0.001);
     EXPECT_TRUE(BlockRead[0]);
+    DisplayInit2(OnlyLog({{15, "256"}}));
+    EXPECT_EQ(ExtraBlock, 0);
+    EXPECT_EQ(BlockLength[0], 48);
+    EXPECT_EQ(BlockLength[0xEB], 72);
+}
+
+TEST_F(Display, MoreMapsThanTabs_AreLeftOut) {
+    DisplayInit1(Only({{2, "&H10"},
+                       {3, "&H20"},
+                       {4, "&H30"},
+                       {5, "&H40"},
+                       {6, "&H50"},
+                       {7, "&H60"},
+                       {8, "&H70"},
+                       {9, "&H80"},
+                       {10, "&H90"}}));
+    EXPECT_EQ(SSTab1.TabCaption[5], "VvinMap");
+    EXPECT_EQ(SSTab1.TabCaption[6], "Settings 1");
+    EXPECT_EQ(BaseMapIndex, kNoMap);
+    DisplayInit1(Only({{10, "&H90"}}));  // a second base map without any other
+    EXPECT_EQ(SSTab1.TabCaption[0], "BaseVT1");
+    EXPECT_EQ(MapBaseTable[0], 0);
+}
+
+TEST_F(Display, MapTab_StartsWithItsSelectorsInDesignState) {
+    chkSplit[2].Value = 1;
+    comMapType[2].Items = {"x"};
+    comMapType[2].ListIndex = 0;
+    comMapType[2].Visible = true;
+    comMapType[0].Visible = false;
+    ApplyBuild("13B-REW7.07");
+    EXPECT_EQ(chkSplit[2].Value, 0);
+    EXPECT_EQ(comMapType[2].Items, (std::vector<std::string>{"Base (msec)", "Base x INJ (msec)",
+                                                             "Head room (msec)", "Fuel duty (%)"}));
+    EXPECT_EQ(comMapType[2].ListIndex, -1);
+    EXPECT_FALSE(comMapType[2].Visible);
+    EXPECT_TRUE(comMapType[0].Visible);
+    EXPECT_EQ(comMapType[0].Items.size(), 3U);
+}
+
+TEST_F(Display, InjectorLabels_AreEnabledWithTheirFrame) {
+    for (int i = 500; i <= 505; ++i) lblGeneral[i].Enabled = false;
+    DisplayInit2(OnlyLog({{5, "&H8D"}}));
+    for (int i = 500; i <= 505; ++i) EXPECT_TRUE(lblGeneral[i].Enabled) << i;
 }
 
 TEST_F(Display, FunctionSelect_SetsItsBlockOnlyWhenItsFrameShows) {
@@ -428,15 +478,24 @@ TEST_F(Display, CorvaneVersion_DecidesOverAntiLagAndPullUps) {
 }
 
 TEST_F(Display, SetFrameEnabled_ReachesTheFramesFirstTenMembers) {
-    ApplyBuild("RB26DETT6.42");
-    SetFrameEnabled(460, false);
-    EXPECT_TRUE(FraSettings[460].Visible);
-    EXPECT_FALSE(FraSettings[460].Enabled);
-    EXPECT_FALSE(txtSetting[460].Enabled);
-    EXPECT_FALSE(lblGeneral[461].Enabled);
-    EXPECT_TRUE(txtSetting[450].Enabled);
-    SetFrameEnabled(460, true);
-    EXPECT_TRUE(txtSetting[461].Enabled);
+    SetFrameEnabled(1340, false);
+    EXPECT_TRUE(FraSettings[1340].Visible);
+    EXPECT_FALSE(FraSettings[1340].Enabled);
+    EXPECT_FALSE(txtSetting[1347].Enabled);
+    EXPECT_FALSE(lblGeneral[1347].Enabled);
+    EXPECT_FALSE(lblSetting[1344].Enabled);
+    EXPECT_FALSE(optSetting[1344].Enabled);
+    SetFrameEnabled(1340, true);
+    EXPECT_TRUE(txtSetting[1340].Enabled);
+    EXPECT_TRUE(optSetting[1340].Enabled);
+
+    SetFrameEnabled(1180, false);
+    EXPECT_FALSE(chkSetting[1189].Enabled);
+    EXPECT_TRUE(chkSetting[1190].Enabled);
+    SetFrameEnabled(300, false);
+    EXPECT_FALSE(cmdEditCurve[300].Enabled);
+    EXPECT_FALSE(txtSetting[309].Enabled);
+    EXPECT_TRUE(txtSetting[310].Enabled);
 }
 
 TEST_F(Display, TranslationReachesTabsSplitAndRevIdleRows) {
