@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
     zandrel::LoadDesign();
     zandrel::frmMain main;
     zandrel::OpenDesktop(main);
-    zandrel::frmMain_Load(QApplication::arguments().mid(1).join(QLatin1Char(' ')).toStdString());
+    zandrel::frmMain_Load();
     main.Mirror();
     main.show();
     // The settings pages fill themselves once the window stands.

@@ -139,8 +139,6 @@ QVariant MapModel::headerData(int section, Qt::Orientation orientation, int role
 
 void MapModel::Refresh() {
     emit dataChanged(index(0, 0), index(kMapSide - 1, kMapSide - 1));
-    emit headerDataChanged(Qt::Horizontal, 0, kMapSide - 1);
-    emit headerDataChanged(Qt::Vertical, 0, kMapSide - 1);
 }
 
 MapGridView::MapGridView(int map, QWidget* parent) : QTableView(parent), model_(new MapModel(map, this)) {
@@ -164,6 +162,8 @@ void MapGridView::Mirror() {
     revision_ = Record(model_->Map()).Revision;
     LayOut();
     model_->Refresh();
+    horizontalHeader()->viewport()->update();
+    verticalHeader()->viewport()->update();
 }
 
 int MapGridView::LongestText(const QFontMetrics& metrics) const {

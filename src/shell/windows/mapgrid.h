@@ -22,7 +22,7 @@ class MapModel : public QAbstractTableModel {
     Qt::Alignment ColumnAlignment(int column) const;  // -1 = the label column
     int Map() const { return map_; }
 
-    /// Tells the view that cells and labels have to be painted anew.
+    /// Tells the view that the cells have to be painted anew.
     void Refresh();
 
   private:
