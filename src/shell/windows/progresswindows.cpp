@@ -24,12 +24,13 @@ ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, QWidget* 
     lblStatus_->setObjectName(QStringLiteral("lblStatus"));
     lblStatus_->setTextFormat(Qt::PlainText);
     lblStatus_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
-    // Room for the longest hint, so that the window does not change its size under the pointer.
-    lblStatus_->setMinimumWidth(lblStatus_->fontMetrics().horizontalAdvance(
-        QLatin1String("Have you turned ON the ignition yet?....")));
+    lblStatus_->hide();
     bar_->setObjectName(QStringLiteral("ProgressBar1"));
     bar_->setRange(0, 100);
     bar_->setTextVisible(false);
+    // Room for the longest hint, so that the window does not change its size under the pointer.
+    bar_->setMinimumWidth(
+        fontMetrics().horizontalAdvance(QLatin1String("Have you turned ON the ignition yet?....")));
     cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
     cmdCancel_->setDefault(true);
     connect(cmdCancel_, &QPushButton::clicked, this, [this] { reject(); });
@@ -46,6 +47,7 @@ void ProgressWindow::Mirror() {
     if (record_.Status != status_) {
         status_ = record_.Status;
         lblStatus_->setText(Shown(status_));
+        lblStatus_->setVisible(!status_.empty());
     }
     const int value = static_cast<int>(std::lround(std::clamp(record_.Bar, 0.0, 100.0)));
     if (bar_->value() != value) bar_->setValue(value);

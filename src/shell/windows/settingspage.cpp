@@ -30,19 +30,6 @@ namespace {
 constexpr int kSwitchNamesBlock = 0xEB;     // second block of the long sensor set
 constexpr char kBoundProperty[] = "bound";  // place of a widget's record in the page's list
 
-// The frames of a tab in the order in which they are to stand. The record arrays are sorted by number;
-// these lists keep what belongs together side by side.
-// clang-format off
-constexpr int kOrder[] = {
-    120, 1140, 140, 100, 1100, 2100, 1120, 180, 160, 170, 150, 130, 190, 155, 1180,
-    280, 290, 270, 256, 1215, 215, 200, 240, 230, 250,
-    350, 370, 340, 1340, 2300, 1300, 300, 390, 380,
-    470, 430, 1470, 400, 1410, 460, 450, 420, 440, 480, 410,
-    500, 520, 560, 550, 530, 540, 1500,
-    600, 630, 660, 680, 700,
-};
-// clang-format on
-
 int GapOf(const QWidget* widget, double lines) {
     return std::max(1, static_cast<int>(widget->fontMetrics().height() * lines));
 }
@@ -160,9 +147,7 @@ SettingsPage::SettingsPage(int tab, QWidget* parent) : QScrollArea(parent), tab_
     auto* flow = new FrameFlow;
     flow->setContentsMargins(0, 0, 0, 0);
     flow->setSpacing(gap);
-    for (const int frame : kOrder) {
-        if (FraSettings.Exists(frame) && FraSettings[frame].Tab == tab) flow->addWidget(BuildFrame(frame));
-    }
+    for (const int frame : FramesOfTab(tab)) flow->addWidget(BuildFrame(frame));
     column->addLayout(flow);
     column->addStretch(1);
     setWidget(inner);
