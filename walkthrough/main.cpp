@@ -59,7 +59,7 @@ int Tour(const QString& folder, const zandrel::TourSetting& setting) {
     zandrel::OpenDesktop(window);
     zandrel::BeginTour(window, folder);
     try {
-        zandrel::frmMain_Load("");
+        zandrel::frmMain_Load();
         window.Mirror();
         window.show();
         window.BuildAllPages();

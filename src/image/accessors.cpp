@@ -43,6 +43,12 @@ std::optional<Field> ParseField(std::string_view descriptor, std::size_t partsNe
     return field;
 }
 
+// Value or mask of a bit or option field; what is no byte stands for no bits.
+int ByteOf(std::string_view text) {
+    const double number = LenientNumber(text);
+    return number >= 0 && number <= 255 ? static_cast<int>(number) : 0;
+}
+
 // Lays `bytes` over the block from the field's offset on; the block never grows. All edits end here.
 void Overwrite(std::size_t block, int offset, const ByteString& bytes) {
     ByteString& data = ReadData[block];
@@ -135,14 +141,14 @@ int GetFlag(std::string_view descriptor) {
 int GetBit(std::string_view descriptor) {
     const auto field = ParseField(descriptor, 3);
     if (!field || !field->StandsInBlock()) return 0;
-    return (field->Byte() & static_cast<int>(LenientNumber(field->Parts[2]))) > 0 ? 1 : 0;
+    return (field->Byte() & ByteOf(field->Parts[2])) > 0 ? 1 : 0;
 }
 
 bool GetOption(std::string_view descriptor) {
     const auto field = ParseField(descriptor, 4);
     if (!field || !field->StandsInBlock()) return false;
-    const int value = static_cast<int>(LenientNumber(field->Parts[2]));
-    return (field->Byte() & static_cast<int>(LenientNumber(field->Parts[3]))) == value;
+    const int value = ByteOf(field->Parts[2]);
+    return (field->Byte() & ByteOf(field->Parts[3])) == value;
 }
 
 std::int32_t GetCell(int map, int row, int column, bool useCompare) {
@@ -185,9 +191,9 @@ void SetNumber(std::string_view descriptor, std::string_view text) {
             bytes = WordBytes(ClampWord(raw));
             break;
         default:
-            break;
+            return;
     }
-    if (!field->StandsInBlock() || *size < 0) return;
+    if (!field->StandsInBlock()) return;
     // The count is the size code itself: a signed byte (129) compares with the rest of its block.
     const auto present =
         std::string_view(field->Bytes())
@@ -207,7 +213,7 @@ void SetFlag(std::string_view descriptor, int value) {
 void SetBit(std::string_view descriptor, int value) {
     const auto field = ParseField(descriptor, 3);
     if (!field || !field->StandsInBlock()) return;
-    const int mask = static_cast<int>(LenientNumber(field->Parts[2])) & 255;
+    const int mask = ByteOf(field->Parts[2]);
     const int byte = value == 1 ? field->Byte() | mask : field->Byte() & ~mask;
     if (byte == field->Byte()) return;
     Overwrite(field->Block, field->Offset, ByteString(1, static_cast<char>(byte)));
@@ -217,7 +223,7 @@ void SetOption(std::string_view descriptor) {
     const auto field = ParseField(descriptor, 4);
     if (!field || !field->StandsInBlock()) return;
     const double value = LenientNumber(field->Parts[2]);
-    if ((field->Byte() & static_cast<int>(LenientNumber(field->Parts[3]))) == static_cast<int>(value)) return;
+    if ((field->Byte() & ByteOf(field->Parts[3])) == static_cast<int>(value)) return;
     Overwrite(field->Block, field->Offset,
               ByteString(1, static_cast<char>(ClampByte(static_cast<float>(value)))));
 }

@@ -383,6 +383,24 @@ constexpr bool ChannelsAreIndices() {
     }
     return true;
 }
+// Every family has one row of captions, and no field two rows for one family.
+constexpr bool DerivedRowsAreSound() {
+    for (char family = 'A'; family <= 'P'; ++family) {
+        int captions = 0;
+        for (const DerivedCaptions& row : kDerivedCaptions)
+            captions += row.Families.find(family) != row.Families.npos;
+        if (captions != 1) return false;
+        for (const DerivedField& row : kDerivedFields) {
+            int rows = 0;
+            for (const DerivedField& other : kDerivedFields) {
+                rows += other.Field == row.Field && other.Families.find(family) != other.Families.npos;
+            }
+            if (rows > 1) return false;
+        }
+    }
+    return true;
+}
+static_assert(DerivedRowsAreSound());
 static_assert(std::size(kBuilds) == 214);
 static_assert(ChannelsAreIndices());
 

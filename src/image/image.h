@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -47,7 +46,7 @@ void ClearBlockFlags();
 /// Gives block `code` ("&H8D" or "141") its length in bytes and raises its flags where `readable` and
 /// `writable` are true; a false one leaves the flag. An empty code does nothing. False: the code is no
 /// block number (0 to 255), and nothing has changed.
-bool RegisterBlock(std::string_view code, int length, bool readable, bool writable);
+[[nodiscard]] bool RegisterBlock(std::string_view code, int length, bool readable, bool writable);
 
 /// Where a map's cell lies: block and 1-based offset of its first byte. `row` and `column` 1 to 20.
 struct CellPlace {

@@ -132,10 +132,11 @@ bool ReadBlock(int block, int length, bool show) {
 bool ReadVersionBlocks() {
     if (ReadBlock(0xF3, 8, false)) return ReadBlock(0xF5, 5, true);
     if (ReadBlock(0x6B, 8, true)) {
+        if (!ReadBlock(0x6C, 5, true)) return false;
         // This Power-FC has no 0xF3. What an earlier one left there would name the wrong build.
         ReadData[0xF3].clear();
         ReadData[0xF5].clear();
-        return ReadBlock(0x6C, 5, true);
+        return true;
     }
     DebugLog("Error reading PFC version");
     ShowNotResponding(true);
@@ -208,7 +209,8 @@ bool ValidVersion(bool read, bool initialise) {
     }
     const std::string engine = ReadVerName();
     const std::string version = ReadVerNumber();
-    if (engine == VerName && version == VerNumber) {
+    // While no version is in force, empty names are a change like any other.
+    if (!VerName.empty() && engine == VerName && version == VerNumber) {
         result = true;
     } else {
         DebugLog("Version change detected:" + engine + version);

@@ -1,5 +1,7 @@
 #include "link/packets.h"
 
+#include <algorithm>
+
 #include "link/identify.h"
 #include "link/port.h"
 #include "util/desktop.h"
@@ -8,8 +10,8 @@
 
 namespace zandrel {
 
-std::int16_t ComTimeOutTicks = kDefaultComTimeOutTicks;
-std::int16_t ComRetries = kDefaultComRetries;
+std::int32_t ComTimeOutTicks = kDefaultComTimeOutTicks;
+std::int32_t ComRetries = kDefaultComRetries;
 std::string txtComTimeOut = std::to_string(kDefaultComTimeOutTicks);
 std::string txtComRetries = std::to_string(kDefaultComRetries);
 
@@ -34,10 +36,17 @@ void LogFrame(const ByteString& frame) {
     DebugLog(line);
 }
 
-std::optional<std::int16_t> SixteenBits(const std::string& text) {
+std::optional<std::int32_t> SixteenBits(const std::string& text) {
     const auto value = StrictWhole(text);
     if (!value || *value < -32768 || *value > 32767) return std::nullopt;
-    return static_cast<std::int16_t>(*value);
+    return value;
+}
+
+// The allowance of a send: it grows with each attempt. A negative time-out is none.
+std::uint32_t DeadlineMs(int timeOut, int number) {
+    constexpr std::int64_t kLongest = 24 * 60 * 60 * 1000;
+    const std::int64_t deadline = std::int64_t{timeOut} * number;
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(deadline, 0, kLongest));
 }
 
 enum class Wait { Arrived, Expired, Failed };
@@ -53,6 +62,7 @@ struct Attempt {
     std::uint32_t Deadline;
     bool ReadReplyExpected;
     bool Acknowledged = false;
+    bool PassedOver = false;  // a frame has come that was not the reply
     ByteString Frame = {};
 
     std::uint32_t Elapsed() const { return TickCount() - Start; }
@@ -70,7 +80,9 @@ struct Attempt {
 
     Wait For(int count) const {
         for (;;) {
-            if (MSComm1.InBufferCount() >= count) return Wait::Arrived;
+            // A device that talks on and on does not hold the exchange beyond its deadline.
+            const bool late = PassedOver && Elapsed() > Deadline;
+            if (!late && MSComm1.InBufferCount() >= count) return Wait::Arrived;
             const std::uint32_t elapsed = Elapsed();
             if (elapsed > Deadline) return Wait::Expired;
             if (!MSComm1.WaitForInput(static_cast<int>(Deadline - elapsed) + 1)) return Wait::Failed;
@@ -81,6 +93,7 @@ struct Attempt {
     Outcome WaitOut() const {
         for (std::uint32_t elapsed = Elapsed(); elapsed <= Deadline; elapsed = Elapsed()) {
             if (!MSComm1.WaitForInput(static_cast<int>(Deadline - elapsed) + 1)) return Outcome::PortFailed;
+            MSComm1.Input(0);
         }
         return Outcome::TryAgain;
     }
@@ -111,7 +124,8 @@ bool Attempt::TakeFrame(Outcome& outcome) {
     } else if (header == Wait::Expired) {
         const int received = MSComm1.InBufferCount();
         LogTimeOut("header", received);
-        if (received > 0) LogFrame(MSComm1.Input(0));
+        const ByteString rest = MSComm1.Input(0);
+        if (!rest.empty()) LogFrame(rest);
         return false;
     }
     outcome = Outcome::PortFailed;
@@ -122,6 +136,7 @@ Outcome Attempt::Run(LinkResult& result) {
     for (;;) {
         Outcome outcome{};
         if (!TakeFrame(outcome)) return outcome;
+        PassedOver = true;  // unless it proves to be the reply
         if (SumOf(Frame) != 255) {
             Log(" Checksum error: 0x" + Hex(ByteAt(Command, 0)));
             LogFrame(Frame);
@@ -174,19 +189,20 @@ bool ComCheck(bool ask) {
 void ComReset() {
     if (MSComm1.PortOpen()) MSComm1.Close();
     if (MSComm1.Open()) return;
-    DebugLog("Error opening " + ComDevice(MSComm1.CommPort) + ": " + MSComm1.ErrorText());
     // A port that is gone is no chosen port: one click on it chooses it again when it is back.
     mnuCom[static_cast<std::size_t>(MSComm1.CommPort - 1)].Checked = false;
 }
 
 int ComFlush() {
     if (!ComCheck(true)) return 1;
-    while (!MSComm1.Input(0).empty()) {
+    // What stands in the driver behind a full buffer is dropped too; a chattering device is not waited for.
+    for (int round = 0; round < 8 && !MSComm1.Input(0).empty(); ++round) {
     }
     return 0;
 }
 
 ByteString FrameOf(const ByteString& command) {
+    if (command.empty()) return {};
     ByteString frame = command;
     frame.insert(1, 1, static_cast<char>(command.size() + 1));
     frame += static_cast<char>(255 - SumOf(frame));
@@ -218,7 +234,7 @@ LinkResult ReadPacket(ByteString& command, bool show, int& timeOut, int& retries
             if (WritePacket(command) == 0) {
                 AfterSend();
                 const bool read = command.size() == 1 || command[0] == 1;
-                const auto deadline = static_cast<std::uint32_t>(timeOut > 0 ? timeOut * number : 0);
+                const auto deadline = DeadlineMs(timeOut, number);
                 Attempt attempt{command, number, start, deadline, read};
                 outcome = attempt.Run(result);
                 if (outcome == Outcome::Reply) {

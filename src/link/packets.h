@@ -13,10 +13,10 @@ namespace zandrel {
 enum class [[nodiscard]] LinkResult{Success = 0, PortClosed = 1, NoReply = 2, BadReply = 3, WrongCode = 4};
 
 // Link settings of the run; read from the settings store at start, never written to it.
-extern std::int16_t ComTimeOutTicks;  // milliseconds for a reply to the first send
-extern std::int16_t ComRetries;       // repeats after the first send
-inline constexpr std::int16_t kDefaultComTimeOutTicks = 250;
-inline constexpr std::int16_t kDefaultComRetries = 2;
+extern std::int32_t ComTimeOutTicks;  // milliseconds for a reply to the first send
+extern std::int32_t ComRetries;       // repeats after the first send
+inline constexpr std::int32_t kDefaultComTimeOutTicks = 250;
+inline constexpr std::int32_t kDefaultComRetries = 2;
 
 // The boxes that show and edit them.
 extern std::string txtComTimeOut;

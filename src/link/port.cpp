@@ -1,9 +1,11 @@
 #include "link/port.h"
 
+#include <QFileInfo>
 #include <QSerialPort>
 #include <QSerialPortInfo>
 #include <cstdlib>
 
+#include "link/progress.h"
 #include "util/desktop.h"
 #include "util/diagnostics.h"
 #include "util/numbers.h"
@@ -27,6 +29,7 @@ MenuItem mnuComShowAll = {.Caption = "Show All"};
 struct SerialPort::Platform {
     QSerialPort Port;
     bool Failed = false;
+    bool Forbidden = false;
     std::string Error;
 
     // A time-out is Qt's word for nothing having come yet. Everything else means that the port is gone; it
@@ -43,6 +46,20 @@ struct SerialPort::Platform {
 };
 
 namespace {
+
+constexpr qint64 kInBufferSize = 1024;
+
+// What the maker of the adapter behind `device` calls it; empty where the system knows no name.
+std::string ProductText(const std::string& device) {
+    const QString wanted = QFileInfo(QString::fromStdString(device)).canonicalFilePath();
+    if (wanted.isEmpty()) return {};
+    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts()) {
+        if (QFileInfo(port.systemLocation()).canonicalFilePath() == wanted) {
+            return port.description().trimmed().toStdString();
+        }
+    }
+    return {};
+}
 
 // An FTDI adapter holds short replies back for 16 ms unless it is asked not to.
 void AskForLowLatency([[maybe_unused]] QSerialPort& port) {
@@ -86,12 +103,14 @@ bool SerialPort::Open() {
                       port.setFlowControl(QSerialPort::NoFlowControl);
     if (!open) {
         platform_->Error = port.errorString().toStdString();
-        if (port.error() == QSerialPort::PermissionError) {
+        platform_->Forbidden = port.error() == QSerialPort::PermissionError;
+        if (platform_->Forbidden) {
             platform_->Error += " (in use, or the user is not in the group dialout)";
         }
         port.close();
         return false;
     }
+    port.setReadBufferSize(kInBufferSize);
     AskForLowLatency(port);
     port.clearError();
     return true;
@@ -143,6 +162,10 @@ std::string SerialPort::ErrorText() const {
     return platform_ == nullptr ? "" : platform_->Error;
 }
 
+bool SerialPort::Forbidden() const {
+    return platform_ != nullptr && platform_->Forbidden;
+}
+
 std::string ComDevice(int number) {
     const std::string device = DeviceFromEnvironment(number);
     if (!device.empty()) return device;
@@ -159,8 +182,7 @@ std::string ComCaption(int number) {
     const std::string device = ComDevice(number);
     std::string caption = "COM" + std::to_string(number);
     if (device != caption) caption += "  " + device;
-    const std::string product =
-        QSerialPortInfo(QString::fromStdString(device)).description().trimmed().toStdString();
+    const std::string product = ProductText(device);
     if (!product.empty()) caption += "  " + product;
     return caption;
 }
@@ -182,7 +204,8 @@ void mnuCom_Click(int index) {
     UntickAll();
     MSComm1.CommPort = index + 1;
     if (!MSComm1.Open()) {
-        DebugLog("Error opening " + ComDevice(index + 1) + ": " + MSComm1.ErrorText());
+        if (MSComm1.Forbidden())
+            DebugLog("Error opening " + ComDevice(index + 1) + ": " + MSComm1.ErrorText());
         MessageBox("Error opening Com" + std::to_string(index + 1), Box::Critical);
         return;
     }
@@ -190,6 +213,7 @@ void mnuCom_Click(int index) {
 }
 
 void ComPortMenu_Open() {
+    const LongOperation running;  // nothing else is to begin while ports are tried
     mnuComNone.Visible = true;
     for (int n = 1; n <= 16; ++n) {
         MenuItem& item = mnuCom[static_cast<std::size_t>(n - 1)];

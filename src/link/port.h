@@ -40,6 +40,9 @@ class SerialPort {
 
     std::string ErrorText() const;
 
+    /// The last `Open` failed because the port is in use or the user has no right to it.
+    bool Forbidden() const;
+
   private:
     struct Platform;
     std::unique_ptr<Platform> platform_;

@@ -3,7 +3,8 @@
 namespace zandrel {
 
 ProgressForm Progress2;
-ProgressForm ProgressScan = {.Modal = true};
+ProgressForm ProgressScan;
+bool CloseAsked = false;
 
 namespace {
 int RunningOperations = 0;
@@ -13,7 +14,7 @@ void ShowProgress(ProgressForm& form, const std::string& status) {
     form.Visible = true;
     form.Status = status;
     form.Bar = 0;
-    form.Cancelled = false;
+    form.Cancelled = CloseAsked;
 }
 
 void HideProgress(ProgressForm& form) {

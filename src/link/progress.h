@@ -8,13 +8,16 @@ namespace zandrel {
 
 struct ProgressForm {
     bool Visible = false;
-    bool Modal = false;
     std::string Status = {};
     double Bar = 0;  // 0 to 100
     bool Cancelled = false;
 };
 extern ProgressForm Progress2;     // auto detection and map writes, modeless and on top
 extern ProgressForm ProgressScan;  // version scan, modal
+
+/// The user has closed the main window while a long operation runs: whatever still begins within it is
+/// cancelled at once. Written by the main window.
+extern bool CloseAsked;
 
 /// Shows a progress window anew: not cancelled, bar at 0, over the main window.
 void ShowProgress(ProgressForm& form, const std::string& status);

@@ -1,6 +1,7 @@
 #include "link/scan.h"
 
 #include "image/image.h"
+#include "link/identify.h"
 #include "link/packets.h"
 #include "link/progress.h"
 #include "link/transfers.h"
@@ -10,13 +11,15 @@
 namespace zandrel {
 
 void mnuScan_Click() {
+    if (LogRuns()) return;
+    const LongOperation running;
+    cmdReadAll.Enabled = false;
     ShowProgress(ProgressScan, "");
     Yield();  // the window stands on the screen before the long loop starts
     mnuScan_Code();
 }
 
 void mnuScan_Code() {
-    const LongOperation running;
     BusyPointer(true);
     ReadData.fill({});
     bool complete = true;

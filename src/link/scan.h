@@ -4,7 +4,7 @@
 
 namespace zandrel {
 
-/// Shows the scan window and runs the scan behind it.
+/// Shows the scan window and runs the scan behind it. Nothing while a log runs.
 void mnuScan_Click();
 
 /// The scan itself. Half a second for a block that does not answer; one yield a block.

@@ -92,7 +92,10 @@ void cmdReadMap_Click(int map) {
     const LongOperation running;
     Control& button = cmdReadMap[static_cast<std::size_t>(map)];
     button.Enabled = false;
-    if (ValidVersion(true, true)) static_cast<void>(ReadMap(map));
+    // Another Power-FC than before may have no such map.
+    if (ValidVersion(true, true) && SSTab1.TabVisible[static_cast<std::size_t>(map)]) {
+        static_cast<void>(ReadMap(map));
+    }
     DisplayMap(map, true);
     button.Enabled = true;
 }

@@ -40,6 +40,8 @@ void OpenSettingsStore(const std::string& path) {
     } else {
         Store = std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat);
     }
+    // A missing key is its default, and not what another program or the whole system has under its name.
+    Store->setFallbacksEnabled(false);
 }
 
 std::string GetSetting(const std::string& section, const std::string& key, const std::string& fallback) {

@@ -42,13 +42,10 @@ bool RestorePort() {
 }
 
 bool RestoreLinkSettings() {
-    const auto timeOut = GetLong("ComTimeOutTicks", kDefaultComTimeOutTicks);
-    const auto retries = GetLong("ComRetries", kDefaultComRetries);
-    if (!timeOut || !retries) return false;
-    txtComTimeOut = std::to_string(*timeOut);
-    txtComTimeOut_Change();
-    txtComRetries = std::to_string(*retries);
-    txtComRetries_Change();
+    if (!Take(GetLong("ComTimeOutTicks", kDefaultComTimeOutTicks), ComTimeOutTicks)) return false;
+    txtComTimeOut = std::to_string(ComTimeOutTicks);
+    if (!Take(GetLong("ComRetries", kDefaultComRetries), ComRetries)) return false;
+    txtComRetries = std::to_string(ComRetries);
     return true;
 }
 
@@ -98,7 +95,7 @@ bool RestoreMapDisplay() {
 }
 
 // The start order. False: a step failed and the rest was skipped.
-bool Start([[maybe_unused]] const std::string& commandLine) {
+bool Start() {
     DebugLogInit();
     MainFormReady = true;
     CorvaneVer = GetSetting("Settings", "LastCorvaneVer", "V2.0");
@@ -148,8 +145,8 @@ void LoadDesign() {
     SetCaption("");
 }
 
-void frmMain_Load(const std::string& commandLine) {
-    if (!Start(commandLine)) MessageBox("Error in frmMain_Load", Box::Critical);
+void frmMain_Load() {
+    if (!Start()) MessageBox("Error in frmMain_Load", Box::Critical);
 }
 
 bool frmMain_QueryUnload() {

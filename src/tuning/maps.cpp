@@ -228,7 +228,7 @@ bool MapCellText(int map, int row, int column, double& previous, bool useCompare
 std::string GridCellText(int map, int row, int column) {
     double previous = 0;
     std::string text;
-    MapCellText(map, row, column, previous, false, text);
+    if (!MapCellText(map, row, column, previous, false, text)) return {};
     if (mnuCompare.Checked && CompareMapIndex[At(map)] < kNoPartner) {
         MapCellText(CompareMapIndex[At(map)], row, column, previous, true, text);
     }

@@ -42,6 +42,12 @@ std::uint32_t TakePoint(std::string_view& text) {
         }
         point = (point << 6) | (next & 0x3F);
     }
+    // A longer form than the point needs is no valid one.
+    constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (point < kLeast[length]) {
+        text.remove_prefix(1);
+        return 0xFFFD;
+    }
     text.remove_prefix(static_cast<std::size_t>(length));
     return point;
 }

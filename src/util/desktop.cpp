@@ -14,8 +14,8 @@ DesktopDoor ClosedDesktop() {
     };
     door.Yield = [] {};
     door.MessageBox = [](const std::string&, Box box) {
-        const bool question = box == Box::SaveQuestion || box == Box::YesNo || box == Box::YesNoInformation;
-        return question ? Answer::No : Answer::Ok;
+        if (box == Box::SaveQuestion) return Answer::Cancel;
+        return box == Box::YesNo || box == Box::YesNoInformation ? Answer::No : Answer::Ok;
     };
     door.BusyPointer = [](bool) {};
     door.ChooseFileToSave = [](const std::string&) { return std::string(); };

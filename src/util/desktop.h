@@ -1,6 +1,6 @@
 // The one door to the desktop: clock, yield, message boxes, file choice, clipboard and the busy pointer.
 // The program opens it at start (shell/windows); a test scripts it. Until then the clock is real, a
-// question is answered with its last button's number and everything else does nothing.
+// question is answered with its last button and everything else does nothing.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +35,7 @@ struct DesktopDoor {
 /// The open door. Written at start and by tests, nobody else.
 extern DesktopDoor Desktop;
 
-/// A door that has nobody behind it: real clock, no yield, questions answered with No or OK.
+/// A door that has nobody behind it: real clock, no yield, boxes answered with their last button.
 DesktopDoor ClosedDesktop();
 
 /// Milliseconds since some moment before the program's start; wraps after 49 days.

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "util/codepage.h"
 #include "util/desktop.h"
 #include "util/numbers.h"
 #include "util/product.h"
@@ -45,20 +46,19 @@ void DebugLog(const std::string& text) {
     std::FILE* file = std::fopen((ProgramFolder + "/DebugLog.txt").c_str(), "ab");
     if (file == nullptr) return;
     std::string lines;
-    if (DebugLogFirst) {
-        lines += "*** " + DateAndTime() + " " + kProgramVersion + " ***\r\n";
-        DebugLogFirst = false;
-    }
+    if (DebugLogFirst) lines += "*** " + DateAndTime() + " " + kProgramVersion + " ***\r\n";
+    // The line names the version that is left behind; a log's reader finds the new one in the next.
     if (VerName != DebugLogVerName || VerNumber != DebugLogVerNumber) {
-        // The line names the version that is left behind; a log's reader finds the new one in the next.
         lines += DebugLogVerName + DebugLogVerNumber + "\r\n";
-        DebugLogVerName = VerName;
-        DebugLogVerNumber = VerNumber;
     }
     const double elapsed = (TickCount() - DebugLogStartTick) / 1000.0;
     lines += FormatPoint(elapsed, "0.000") + " " + text + "\r\n";
-    std::fwrite(lines.data(), 1, lines.size(), file);
-    std::fclose(file);
+    const std::string bytes = ToCodePage(lines);
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    if (std::fclose(file) != 0 || !written) return;
+    DebugLogFirst = false;
+    DebugLogVerName = VerName;
+    DebugLogVerNumber = VerNumber;
 }
 
 void ClearError() {

@@ -30,11 +30,9 @@ std::size_t TakeDecimal(std::string_view text, double& value) {
     if (error == std::errc::invalid_argument) return 0;
     if (error == std::errc::result_out_of_range) {
         // Too small a number is a zero; too large a one is infinite and refused by the callers.
-        const std::string_view digits(first, static_cast<std::size_t>(end - first));
-        const auto exponent = digits.find_first_of("eE");
-        const bool tiny =
-            exponent != digits.npos && exponent + 1 < digits.size() && digits[exponent + 1] == '-';
-        value = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+        long double wide = 0;
+        const bool fits = std::from_chars(first, end, wide).ec == std::errc();
+        value = fits && wide < 1 ? 0.0 : std::numeric_limits<double>::infinity();
     }
     if (negative) value = -value;
     return static_cast<std::size_t>(end - text.data());
@@ -97,6 +95,7 @@ std::string FormatNumber(double value, std::string_view picture) {
         result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed,
                                static_cast<int>(decimals));
     }
+    if (result.ec != std::errc()) return {};
     std::string_view text(buffer, static_cast<std::size_t>(result.ptr - buffer));
     const bool zero = text.find_first_of("123456789") == text.npos && std::isfinite(value);
     if (zero && text.front() == '-') text.remove_prefix(1);

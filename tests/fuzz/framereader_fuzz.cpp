@@ -98,15 +98,19 @@ class Line {
         if (sent != FrameOf(input_->Request)) Surprise("another request than asked for");
         if (sends_ == kSends) Surprise("more sends than retries allow");
         coming_ = input_->Replies[static_cast<std::size_t>(sends_++)];
+        seen_ = -1;
         Deliver();
     }
 
     std::uint32_t Clock() {
-        if (coming_.empty()) {
-            now_ += 1'000'000;
-        } else {
+        if (!coming_.empty()) {
             Deliver();
+            return now_;
         }
+        // A reader that still takes frames out of its buffer has not seen them all.
+        const int waiting = MSComm1.InBufferCount();
+        if (waiting == 0 || waiting == seen_) now_ += 1'000'000;
+        seen_ = waiting;
         return now_;
     }
 
@@ -133,6 +137,7 @@ class Line {
     int own_ = -1, other_ = -1;
     const Input* input_ = nullptr;
     int sends_ = 0;
+    int seen_ = -1;  // bytes in the reader's buffer at its last look
     ByteString coming_;
     std::uint32_t now_ = 0;
 };

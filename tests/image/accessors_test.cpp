@@ -86,7 +86,9 @@ TEST_F(Accessors, SizeOfALiveItem_ReadsEmptyAndWritesNoByte) {
     EXPECT_EQ(GetNumber("&H8D,1,130,1,0,0"), "");
     const ByteString before = ReadData[0x8D];
     SetNumber("&H8D,1,130,1,0,0", "5");
+    SetNumber("&H8D,1,3,1,0,0", "5");
     EXPECT_EQ(ReadData[0x8D], before);
+    EXPECT_TRUE(NothingChanged(0x8D));
 }
 
 TEST_F(Accessors, EmptyFormat_IsTheGeneralForm) {
@@ -100,10 +102,21 @@ TEST_F(Accessors, BrokenDescriptors_ReadEmptyAndWriteNothing) {
                                    "&H8D,x,1,1,0,0", "&H8D,0,1,1,0,0", "&H8D,-3,1,1,0,0", "&H8D,1,x,1,0,0",
                                    "&H8D,1", "&H8D", "&H8D,1e9,1,1,0,0", ",,,,,"}) {
         EXPECT_EQ(GetNumber(descriptor), "") << descriptor;
-        EXPECT_EQ(GetString(descriptor).substr(0, 0), "") << descriptor;
         SetNumber(descriptor, "7");
         EXPECT_TRUE(NothingChanged(0x8D)) << descriptor;
     }
+    for (const char* descriptor :
+         {"", "x,1,1,1", "&H18D,1,1,1", "&H8D,x,1,1", "&H8D,0,1,1", "&H8D,1", "&H8D,25,1,1"}) {
+        EXPECT_EQ(GetFlag(descriptor), 0) << descriptor;
+        EXPECT_EQ(GetBit(descriptor), 0) << descriptor;
+        EXPECT_FALSE(GetOption(descriptor)) << descriptor;
+        EXPECT_EQ(GetString(descriptor), "") << descriptor;
+        SetFlag(descriptor, 0);
+        SetBit(descriptor, 0);
+        SetOption(descriptor);
+        EXPECT_TRUE(NothingChanged(0x8D)) << descriptor;
+    }
+    EXPECT_EQ(GetBit("&H8D,1,1e300"), 0);
     EXPECT_EQ(GetString("&H8D,1,x"), "");
     EXPECT_EQ(GetString("&H8D,1,-1"), "");
 }
@@ -143,7 +156,7 @@ TEST_F(Accessors, GetOption_ComparesTheMaskedByte) {
 }
 
 TEST_F(Accessors, SetNumber_RoundsTiesToEven) {
-    Fill(0x8D, 24, 19, "\0\0");
+    ReadData[0x8D] = ByteString(24, '\0');
     SetNumber(kInjector, "4.002");
     EXPECT_EQ(GetWord(ReadData[0x8D], 19), 1000);
     SetNumber(kInjector, "4.006");

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <map>
 #include <set>
 #include <string>
+
+#include "support/cleanstate.h"
 
 namespace zandrel {
 namespace {
@@ -17,6 +20,33 @@ TEST(Catalogue, FamiliesHaveTheirNumberOfBuilds) {
                                           {'M', 11}, {'N', 30}, {'O', 7},  {'P', 10}};
     EXPECT_EQ(count, expected);
     EXPECT_EQ(Builds().size(), 214U);
+}
+
+// The whole table, byte for byte: a changed line of the catalogue has to be changed here too, on purpose.
+TEST(Catalogue, WholeTable_IsTheGoldenOne) {
+    std::string text;
+    const auto add = [&text](const auto& record) {
+        for (std::size_t i = 0; i < record.size(); ++i) text += (i == 0 ? "" : ",") + std::string(record[i]);
+        text += "\n";
+    };
+    for (char family = 'A'; family <= 'P'; ++family) {
+        text += std::string("family ") + family + ": ";
+        add(SettingsRecordOfFamily(family));
+    }
+    for (const Build& build : Builds()) {
+        text += std::string(build.Key) + ": " + build.Family + ": ";
+        add(LogRecordOf(build));
+    }
+    const std::string path = std::string(ZANDREL_TEST_DATA) + "/catalogue.golden";
+    const std::string golden = FileBytes(path);
+    if (text != golden) std::ofstream(path + ".actual", std::ios::binary) << text;
+    EXPECT_TRUE(text == golden) << "see " << path << ".actual";
+}
+
+// No code relies on where the engine's name ends.
+TEST(Catalogue, KeysAreNotSplit) {
+    EXPECT_NE(FindBuild(std::string("4G63") + "3.05B"), nullptr);
+    EXPECT_EQ(FindBuild("4G633.05B"), FindBuild(std::string("4G633.0") + "5B"));
 }
 
 TEST(Catalogue, OnlyOneKeyStandsTwice) {

@@ -98,9 +98,29 @@ TEST_F(AutoDetect, Cancel_EndsTheSearchBeforeTheNextRound) {
     ExpectBox(kCancelled, Box::Critical);
     ComAutoDetect();
     EXPECT_EQ(YieldCount(), 2);
+    EXPECT_TRUE(mnuCom[0].Checked);  // the choice stays, though its port is closed now
     EXPECT_FALSE(Progress2.Visible);
     EXPECT_FALSE(MSComm1.PortOpen());
     for (const SerialPort& port : MSComm) EXPECT_FALSE(port.PortOpen());
+}
+
+// A cancel of the round before is seen first, even when the announcement has come meanwhile.
+TEST_F(AutoDetect, CancelledBeforeTheAnnouncementIsLookedAt_FindsNothing) {
+    At(1, [this] {
+        other_.Say("KVX:V2.");  // no find yet
+        Progress2.Cancelled = true;
+    });
+    At(2, [this] { other_.Say("0"); });
+    ExpectMessage(kCancelled);
+    ComAutoDetect();
+    EXPECT_EQ(YieldCount(), 1);
+}
+
+TEST_F(AutoDetect, CloseAskedForMeanwhile_EndsTheSearchAtOnce) {
+    CloseAsked = true;
+    ExpectMessage(kCancelled);
+    ComAutoDetect();
+    EXPECT_EQ(YieldCount(), 0);
 }
 
 TEST_F(AutoDetect, OtherChatter_IsNoFind) {

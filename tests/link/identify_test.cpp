@@ -95,10 +95,13 @@ TEST_F(Identify, AnyFourCharacters_AreTheInterfacesVersion) {
 }
 
 TEST_F(Identify, AnswerOfAnotherLength_IsInvalid) {
-    device->ReplaceReply(1, powerfc::Frame(1, {'V', '2', '.', '0'}));
-    ExpectBox("Invalid Corvane version response!", Box::Exclamation);
-    EXPECT_FALSE(ValidVersion(true, true));
-    EXPECT_EQ(LogLines(), (Frames{"Invalid Corvane version response!", "Error in ValidVersion"}));
+    for (const std::size_t length : {0, 2, 3, 4, 6}) {  // 1 and 5 data bytes are the good answers
+        device->ReplaceReply(1, powerfc::Frame(1, powerfc::Bytes(length, 'V')));
+        ExpectBox("Invalid Corvane version response!", Box::Exclamation);
+        EXPECT_FALSE(ValidVersion(true, true)) << length;
+        EXPECT_EQ(LogLines().back(), "Error in ValidVersion");
+        EXPECT_EQ(LogLines()[LogLines().size() - 2], "Invalid Corvane version response!");
+    }
     EXPECT_EQ(VerName, "");
 }
 
@@ -191,19 +194,35 @@ TEST_F(Identify, TestOnly_LeavesTheDisplay) {
 TEST_F(Identify, ImageWithoutVersionBlocks_IsSilentlyUnknown) {
     ApplyBuild("RB26DETT6.42");
     mnuCom_Click(0);
+    cmdWriteAll.Enabled = cmdUpdate.Enabled = true;
     EXPECT_FALSE(ValidVersion(false, true));
     EXPECT_EQ(VerName, "RB26DETT");
     EXPECT_EQ(ReadVerName(), "");
     EXPECT_TRUE(FraSettings[120].Visible);
+    EXPECT_FALSE(cmdWriteAll.Enabled);
+    EXPECT_FALSE(cmdUpdate.Enabled);
+    EXPECT_EQ(LogLines().back(), "Version change detected:");
+}
+
+TEST_F(Identify, EmptyNamesBeforeAnyVersion_AreAChangeToo) {
+    EXPECT_FALSE(ValidVersion(false, true));
+    EXPECT_EQ(LogLines(), (Frames{"Version change detected:"}));
 }
 
 TEST_F(Identify, ImageOfTheVersionInForce_IsValid) {
     ApplyBuild("RB26DETT6.42");
     ReadData[0xF3] = "RB26DETT";
     ReadData[0xF5] = "6.42 ";
-    cmdWriteAll.Enabled = true;
+    cmdWriteAll.Enabled = cmdUpdate.Enabled = true;
+    FraSettings[120].Visible = false;
+    int named = 0;
+    LogItemNamesInit = [&named] { ++named; };
     EXPECT_TRUE(ValidVersion(false, true));
     EXPECT_TRUE(cmdWriteAll.Enabled);
+    EXPECT_TRUE(cmdUpdate.Enabled);
+    EXPECT_FALSE(FraSettings[120].Visible);
+    EXPECT_EQ(LogText(), "");
+    EXPECT_EQ(named, 1);
     EXPECT_TRUE(device->Received().empty());
 }
 
@@ -228,28 +247,62 @@ TEST_F(Identify, NamePair_IsChosenByTheEngineBlock) {
     EXPECT_EQ(ReadVerNumber(), "9.99");
 }
 
-TEST_F(Identify, UnknownBuild_LeadsToTheScan) {
-    Restart(Of("RB99XXXX1.23"));
-    int saves = 0;
-    std::string title;
-    mnuSaveAs_Click = [&] {
-        ++saves;
-        title = MainFormState.FileTitle;
-    };
-    ExpectBox(std::string("RB99XXXX version 1.23 is not yet supported.\n"
-                          "Please complete the following scan then save and email to\n") +
-                  kSupportAddress,
-              Box::Critical);
-    // The scan waits half a second for each block that is not there: it is cut off here.
-    OnYield([] {
-        if (ProgressScan.Visible && YieldCount() > 3) ProgressScan.Cancelled = true;
-    });
+class UnknownBuild : public Identify {
+  protected:
+    UnknownBuild() {
+        Restart(Of("RB99XXXX1.23"));
+        mnuSaveAs_Click = [this] {
+            ++saves_;
+            title_ = MainFormState.FileTitle;
+        };
+        // The scan waits half a second for each block that is not there: it is cut off here.
+        OnYield([this] {
+            if (!ProgressScan.Visible) return;
+            scanned_ = true;
+            ProgressScan.Cancelled = true;
+        });
+    }
+    static void ExpectScanOffer() {
+        ExpectBox(std::string("RB99XXXX version 1.23 is not yet supported.\n"
+                              "Please complete the following scan then save and email to\n") +
+                      kSupportAddress,
+                  Box::Critical);
+    }
+    int saves_ = 0;
+    bool scanned_ = false;
+    std::string title_;
+};
+
+TEST_F(UnknownBuild, LeadsToTheScanAndTheSave) {
+    cmdWriteAll.Enabled = cmdUpdate.Enabled = true;
+    int named = 0;
+    LogItemNamesInit = [&named] { ++named; };
+    ExpectScanOffer();
     EXPECT_FALSE(ValidVersion(true, true));
-    EXPECT_EQ(VerName, "");
-    EXPECT_EQ(saves, 1);
-    EXPECT_EQ(title, "scan RB99XXXX v1.23.dat");
-    EXPECT_EQ(MainFormState.Caption, "Zandrel [ v] - scan RB99XXXX v1.23.dat");
+    EXPECT_TRUE(scanned_);
+    EXPECT_EQ(saves_, 1);
+    EXPECT_EQ(title_, "scan RB99XXXX v1.23.dat");
+    EXPECT_EQ(named, 1);
+    EXPECT_FALSE(cmdWriteAll.Enabled);
     EXPECT_FALSE(ProgressScan.Visible);
+}
+
+TEST_F(UnknownBuild, LeavesTheVersionInForce_SoThatTheNextAttemptGoesTheSameWay) {
+    ApplyBuild("RB26DETT6.42");
+    for (int attempt = 1; attempt <= 2; ++attempt) {
+        ExpectScanOffer();
+        EXPECT_FALSE(ValidVersion(true, true));
+        EXPECT_EQ(VerName, "RB26DETT");
+        EXPECT_EQ(VerNumber, "6.42");
+        EXPECT_EQ(saves_, attempt);
+        EXPECT_EQ(MainFormState.Caption, "Zandrel [RB26DETT v6.42] - scan RB99XXXX v1.23.dat");
+    }
+}
+
+TEST_F(UnknownBuild, OfATestOnly_LeadsToTheScanToo) {
+    ExpectScanOffer();
+    EXPECT_FALSE(ValidVersion(true, false));
+    EXPECT_TRUE(scanned_);
 }
 
 TEST_F(Identify, WithoutAPort_FailsAfterTheOffer) {

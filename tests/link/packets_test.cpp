@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "image/image.h"
 #include "link/linkfixture.h"
 #include "link/port.h"
@@ -47,9 +49,12 @@ TEST_F(Packets, CommandThatBeginsWith1_ExpectsAReadReply) {
 }
 
 TEST_F(Packets, ReplyOfThreeBytes_IsJudgedAtOnce) {
+    ComTimeOutTicks = 5000;
     device->ReplaceReply(0x8D, powerfc::FromHex("8D0270"));
     ByteString command = "\x8D";
+    const auto start = TickCount();
     ASSERT_EQ(ReadPacket(command, true), LinkResult::Success);
+    EXPECT_LT(TickCount() - start, 2500U);
     EXPECT_EQ(Digits(command), "8D0270");
     EXPECT_EQ(device->Received().size(), 1U);
 }
@@ -87,11 +92,13 @@ TEST_F(Packets, RetriesZero_IsOneSend) {
 }
 
 TEST_F(Packets, EveryExchange_BeginsWithAnEmptyBuffer) {
-    device->Say(powerfc::FromHex("8D0301026B"));
-    MSComm1.WaitForInput(500);
+    device->Say(powerfc::Frame(0x8D, {1}));  // a good frame of an earlier exchange
+    while (MSComm1.InBufferCount() < 4) ASSERT_TRUE(MSComm1.WaitForInput(500));
     ByteString command = "\x8D";
     ASSERT_EQ(ReadPacket(command, false), LinkResult::Success);
     EXPECT_EQ(command.size(), 27U);
+    EXPECT_EQ(device->Received().size(), 1U);
+    EXPECT_EQ(LogText(), "");
 }
 
 TEST_F(Packets, AfterSend_RunsOncePerSend) {
@@ -106,6 +113,15 @@ TEST_F(Packets, ExchangeNeverYields) {
     device->Silence(0x8D, 2);
     ASSERT_EQ(Ask("8D"), LinkResult::Success);
     EXPECT_EQ(YieldCount(), 0);
+}
+
+TEST_F(Packets, Wait_DoesNotBurnTheProcessor) {
+    ComTimeOutTicks = 300;
+    ComRetries = 0;
+    device->DeadLine(true);
+    const std::clock_t before = std::clock();
+    EXPECT_EQ(Ask("8D"), LinkResult::NoReply);
+    EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.1);
 }
 
 TEST_F(Packets, ClosedPort_GivesOneWithoutABox) {

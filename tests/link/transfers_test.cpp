@@ -83,6 +83,14 @@ TEST_F(Transfers, ReadAll_EnablesTheFramesThatProveTheirBlocks) {
     EXPECT_TRUE(BlockWrite[0x97]);
 }
 
+TEST_F(Transfers, ReadAll_HiddenFrameOrShortBlock_ProvesNothing) {
+    Restart(Of("1JZ-GTE23.12"));  // has neither of the two frames
+    cmdReadAll_Click();
+    EXPECT_FALSE(FraSettings[1470].Visible);
+    EXPECT_FALSE(BlockWrite[0x99]);
+    EXPECT_FALSE(BlockWrite[0x97]);
+}
+
 TEST_F(Transfers, ReadAll_BlockOfWrongLength_RestoresTheImage) {
     cmdReadAll_Click();
     const auto before = ReadData;
@@ -218,6 +226,32 @@ TEST_F(Transfers, ReadMap_Failure_EndsTheLoopAndShowsWhatIsThere) {
     EXPECT_EQ(ReadData[0x83], ByteString(100, '\0'));
     EXPECT_GT(Grid[1].Revision, before);
     EXPECT_TRUE(cmdReadMap[1].Enabled);
+}
+
+TEST_F(Transfers, ReadMap_ButtonIsDisabledForTheTime) {
+    bool enabledWithin = true;
+    AfterSend = [&enabledWithin] { enabledWithin = cmdReadMap[0].Enabled; };
+    cmdReadMap_Click(0);
+    EXPECT_FALSE(enabledWithin);
+    EXPECT_TRUE(cmdReadMap[0].Enabled);
+}
+
+TEST_F(Transfers, ReadMap_WithoutAVersion_IsDrawnAllTheSame) {
+    device->DeadLine(true);
+    const unsigned before = Grid[0].Revision;
+    ExpectMessage(kNotResponding);
+    cmdReadMap_Click(0);
+    EXPECT_GT(Grid[0].Revision, before);
+    EXPECT_TRUE(cmdReadMap[0].Enabled);
+}
+
+// The Power-FC was swapped for one without that map: its blocks there are no map's.
+TEST_F(Transfers, ReadMap_ThatTheNewBuildLacks_IsNotRead) {
+    Restart(Of("1JZ-GTE23.12"));
+    ASSERT_TRUE(ValidVersion(true, true));
+    Restart(Of("RB26DETT6.42"));
+    cmdReadMap_Click(2);
+    EXPECT_EQ(Codes(), (std::vector<int>{0x01, 0xF3, 0xF5, 0xDD}));
 }
 
 TEST_F(Transfers, UpdateButton_FollowsTheChangeFlags) {

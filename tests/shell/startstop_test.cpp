@@ -36,7 +36,7 @@ class StartStop : public CleanState {
 };
 
 TEST_F(StartStop, EmptyStore_StartsWithTheDefaults) {
-    frmMain_Load("");
+    frmMain_Load();
     EXPECT_EQ(MainFormState.Left, 450);
     EXPECT_EQ(MainFormState.Top, 450);
     EXPECT_EQ(MainFormState.Width, 11205);
@@ -70,7 +70,7 @@ TEST_F(StartStop, StoredValues_ComeBack) {
     Store("MainLeft", "1200");
     Store("MainWindowState", "2");
     Store("LastCorvaneVer", "V1.X");
-    Store("ComTimeOutTicks", "500");
+    Store("ComTimeOutTicks", "40000");
     Store("ComRetries", "5");
     Store("MainMapRefLabels", "True");
     Store("StoichAF", "9.99");
@@ -79,12 +79,13 @@ TEST_F(StartStop, StoredValues_ComeBack) {
     Store("BaseMapType", "3");
     Store("ExitCheckUnsavedData", "False");
     Store("MainTab", "7");
-    frmMain_Load("");
+    frmMain_Load();
     EXPECT_EQ(MainFormState.Left, 1200);
     EXPECT_EQ(MainFormState.WindowState, 2);
     EXPECT_TRUE(mnuSetupCorvaneVer[0].Checked);
     EXPECT_TRUE(chkSettingBit[552].Visible);
-    EXPECT_EQ(ComTimeOutTicks, 500);
+    EXPECT_EQ(ComTimeOutTicks, 40000);
+    EXPECT_EQ(txtComTimeOut, "40000");
     EXPECT_EQ(ComRetries, 5);
     EXPECT_TRUE(mnuMapRefLabels.Checked);
     EXPECT_EQ(StoichAF, 14.7);  // below 10
@@ -103,14 +104,14 @@ TEST_F(StartStop, StoichAF_OutsideItsRangeOrNoNumber_FallsBack) {
                                          {"petrol", 14.7},
                                          {"12.5x", 12.5}}) {
         Store("StoichAF", text);
-        frmMain_Load("");
+        frmMain_Load();
         EXPECT_EQ(StoichAF, expected) << text;
     }
 }
 
 TEST_F(StartStop, StoredPort_IsOpenedAndNothingSent) {
     Store("ComPort", "1");
-    frmMain_Load("");
+    frmMain_Load();
     EXPECT_TRUE(MSComm1.PortOpen());
     EXPECT_TRUE(mnuCom[0].Checked);
     EXPECT_TRUE(device_.Received().empty());
@@ -119,12 +120,12 @@ TEST_F(StartStop, StoredPort_IsOpenedAndNothingSent) {
 TEST_F(StartStop, StoredPortOutsideTheRangeOrHidden_IsIgnored) {
     for (const char* port : {"0", "17", "-1"}) {
         Store("ComPort", port);
-        frmMain_Load("");
+        frmMain_Load();
         EXPECT_FALSE(MSComm1.PortOpen()) << port;
     }
     Store("ComPort", "1");
     mnuCom[0].Visible = false;
-    frmMain_Load("");
+    frmMain_Load();
     EXPECT_FALSE(MSComm1.PortOpen());
 }
 
@@ -132,7 +133,7 @@ TEST_F(StartStop, StoredPortThatIsGone_IsToldAndTheStartGoesOn) {
     Store("ComPort", "5");
     Store("InjMapType", "1");
     ExpectMessage("Error opening Com5");
-    frmMain_Load("");
+    frmMain_Load();
     EXPECT_EQ(InjMapDisplay, 1);
 }
 
@@ -143,7 +144,7 @@ TEST_F(StartStop, UnparsableKey_IsToldAndTheRestSkipped) {
         OpenSettingsStore(Folder + "/" + key + ".ini");
         Store(key, "garbage");
         ExpectBox("Error in frmMain_Load", Box::Critical);
-        frmMain_Load("");
+        frmMain_Load();
         EXPECT_TRUE(NoMessageLeft()) << key;
     }
     OpenSettingsStore(Folder + "/again.ini");
@@ -151,14 +152,14 @@ TEST_F(StartStop, UnparsableKey_IsToldAndTheRestSkipped) {
     Store("InjMapType", "2");
     InjMapDisplay = 0;
     ExpectMessage("Error in frmMain_Load");
-    frmMain_Load("");
+    frmMain_Load();
     EXPECT_EQ(InjMapDisplay, 0);
     EXPECT_TRUE(MainFormReady);
 }
 
 TEST_F(StartStop, Stop_WritesItsKeys) {
     Store("ComPort", "1");
-    frmMain_Load("");
+    frmMain_Load();
     MainFormState.Left = 600;
     MainFormState.Width = 12000;
     SSTab1.Tab = 12;
@@ -191,7 +192,7 @@ TEST_F(StartStop, Stop_WritesItsKeys) {
 TEST_F(StartStop, StopWhileMaximised_KeepsTheNormalPlaceAndTheTab) {
     Store("MainLeft", "700");
     Store("MainTab", "3");
-    frmMain_Load("");
+    frmMain_Load();
     MainFormState.WindowState = 2;
     MainFormState.Left = 0;
     frmMain_Unload();
@@ -202,23 +203,65 @@ TEST_F(StartStop, StopWhileMaximised_KeepsTheNormalPlaceAndTheTab) {
 
 TEST_F(StartStop, StopWithoutAPort_KeepsTheOldNumber) {
     Store("ComPort", "1");
-    frmMain_Load("");
+    frmMain_Load();
     mnuCom_Click(0);
     frmMain_Unload();
     EXPECT_EQ(Stored("ComPort"), "1");
 }
 
 TEST_F(StartStop, Cancel_KeepsTheProgramAndTheStore) {
-    frmMain_Load("");
+    frmMain_Load();
     DataChanged = true;
     mnuSaveAs_Click = [] {};
     ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
                   Answer::Cancel);
     EXPECT_FALSE(frmMain_QueryUnload());
     EXPECT_EQ(Stored("LastCorvaneVer"), "(none)");
+    // Yes, but the save fails.
+    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
+                  Answer::Yes);
+    EXPECT_FALSE(frmMain_QueryUnload());
+    EXPECT_TRUE(DataChanged);
     ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
                   Answer::No);
     EXPECT_TRUE(frmMain_QueryUnload());
+}
+
+// Each row: a key that can't be read, and how far the start has come then.
+TEST_F(StartStop, UnparsableKey_StopsTheStartAtItsPlace) {
+    struct Row {
+        const char* Key;
+        bool PlaceKnown, PortOpen, LinkKnown, TabsHidden, LabelsTicked, ModeKnown;
+    };
+    for (const Row& row : {Row{"MainLeft", false, false, false, false, false, false},
+                           Row{"ComPort", true, false, false, false, false, false},
+                           Row{"ComTimeOutTicks", true, true, false, false, false, false},
+                           Row{"ExitCheckUnsavedData", true, true, true, true, false, false},
+                           Row{"MainTab", true, true, true, true, false, false},
+                           Row{"MainMapRefLabels", true, true, true, true, false, false},
+                           Row{"InjMapType", true, true, true, true, true, false},
+                           Row{"MapColourScheme", true, true, true, true, true, true}}) {
+        SCOPED_TRACE(row.Key);
+        OpenSettingsStore(Folder + "/at-" + row.Key + ".ini");
+        if (MSComm1.PortOpen()) mnuCom_Click(0);
+        LoadDesign();
+        InjMapDisplay = 0;
+        ComRetries = 2;
+        Store("MainTop", "999");
+        Store("ComPort", "1");
+        Store("ComRetries", "7");
+        Store("MainMapRefLabels", "True");
+        Store("InjMapType", "2");
+        Store(row.Key, "garbage");
+        ExpectMessage("Error in frmMain_Load");
+        frmMain_Load();
+        EXPECT_EQ(MainFormState.Top == 999, row.PlaceKnown);
+        EXPECT_EQ(MSComm1.PortOpen(), row.PortOpen);
+        EXPECT_EQ(ComRetries == 7, row.LinkKnown);
+        EXPECT_EQ(!SSTab1.TabVisible[0], row.TabsHidden);
+        EXPECT_EQ(mnuMapRefLabels.Checked, row.LabelsTicked);
+        EXPECT_EQ(InjMapDisplay == 2, row.ModeKnown);
+    }
 }
 
 TEST_F(StartStop, LongOperation_HoldsTheClose) {

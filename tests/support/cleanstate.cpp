@@ -48,7 +48,8 @@ void CleanLink() {
     CheckCorvaneVer = true;
     AuxChannelCount = 8;
     Progress2 = {};
-    ProgressScan = {.Modal = true};
+    ProgressScan = {};
+    CloseAsked = false;
 }
 
 void CleanHooks() {
@@ -83,6 +84,7 @@ CleanState::CleanState() {
     InjMapIndex = 0;
     BaseMapIndex = kNoMap;
     mnuCheckUnsavedData.Checked = true;
+    mnuReCalcBase.Enabled = false;
     MainFormReady = true;
     ProgramFolder = Folder;
     LoadDesign();

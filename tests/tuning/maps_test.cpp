@@ -68,6 +68,51 @@ TEST_F(Maps, InjectionMap_InItsThreeModes) {
     EXPECT_EQ(GridCellText(0, 3, 4), "0.000");
 }
 
+TEST_F(Maps, EveryRawValue_HasALambdaAtTheDefaultScale) {
+    Read("RB26DETT6.42");
+    for (InjMapDisplay = 1; InjMapDisplay <= 2; ++InjMapDisplay) {
+        for (int raw = 0; raw <= 255; ++raw) {
+            Cell(0, 1, 1, raw);
+            EXPECT_NE(GridCellText(0, 1, 1), "") << raw;
+        }
+    }
+}
+
+// Each of two base maps has axes of its own.
+TEST_F(Maps, BaseTables_AreReadAndLabelledFromTheirOwnBlocks) {
+    Read("B18C2.02B");
+    const auto axis = [](int low) {
+        ByteString bytes;
+        for (int k = 0; k < 40; ++k) bytes += ByteString{static_cast<char>(low + k), '\1'};
+        return bytes;
+    };
+    ReadData[0x8A] = axis(1);
+    ReadData[0x60] = axis(51);
+    ReadData[0x61] = axis(101);
+    ReloadMapRefTables();
+    EXPECT_EQ(MapRefRpm[0][0], 256 + 21);
+    EXPECT_EQ(MapRefRpm[1][0], 256 + 71);
+    EXPECT_EQ(MapRefRpm[2][0], 256 + 121);
+    EXPECT_EQ(MapRefRpm[2][19], 256 + 140);
+    EXPECT_EQ(MapRefRpm[2][20], 0);
+    mnuMapRefLabels_Click();
+    EXPECT_EQ(Grid[0].ColumnHead[1], "277");
+    EXPECT_EQ(Grid[2].ColumnHead[1], "327");
+    EXPECT_EQ(Grid[3].ColumnHead[1], "377");
+    EXPECT_EQ(Grid[3].RowHead[1], "357");
+}
+
+TEST_F(Maps, CompareOfACellWithoutAValue_StaysEmpty) {
+    BaseCell("B18C2.02B");
+    mnuCompare.Checked = true;
+    CompareMapIndex[2] = 3;
+    BaseMapDisplay = 3;
+    MapRefRpm[1].fill(0);
+    MapRefRpm[2].fill(3000);
+    EXPECT_EQ(GridCellText(2, 2, 3), "");
+    EXPECT_EQ(GridCellColourSet(2, 2, 3), 0U);
+}
+
 TEST_F(Maps, InjectionValueOfZero_HasNoLambda) {
     Read("RB26DETT6.42");
     MapOffset[0] = 0;
@@ -136,8 +181,10 @@ TEST_F(Maps, SecondBaseMap_HasItsOwnSpeeds) {
 
 TEST_F(Maps, HeadRoomWithoutSpeedOrInjector_HasNoValue) {
     BaseCell("1JZ-GTE23.12");
+    for (BaseMapDisplay = 2; BaseMapDisplay <= 3; ++BaseMapDisplay) {
+        EXPECT_EQ(GridCellText(BaseMapIndex, 2, 4), "");  // its column's speed is 0
+    }
     BaseMapDisplay = 2;
-    EXPECT_EQ(GridCellText(BaseMapIndex, 2, 4), "");  // its column's speed is 0
     txtSetting[500].Text = "";
     EXPECT_EQ(GridCellText(BaseMapIndex, 2, 3), "");
     double previous = 7;

@@ -28,6 +28,7 @@ TEST(CodePage, BrokenUtf8_IsPassedOverByteByByte) {
     EXPECT_EQ(ToCodePage("\xC3"), "?");
     EXPECT_EQ(ToCodePage("\xE2\x82"), "??");
     EXPECT_EQ(ToCodePage("a\xFFz"), "a?z");
+    EXPECT_EQ(ToCodePage("\xE0\x81\x81"), "???");  // a longer form than its point needs
 }
 
 }  // namespace

@@ -41,6 +41,7 @@ TEST(ComboKeyFilter, EachKey_SteersTheListOrIsSwallowed) {
     EXPECT_EQ(filtered(39), 40);
     EXPECT_EQ(filtered(40), 40);
     EXPECT_EQ(filtered(65), 0);
+    EXPECT_EQ(combo.ListIndex, -1);
     EXPECT_EQ(filtered(35), 0);
     EXPECT_EQ(combo.ListIndex, 2);
     EXPECT_EQ(filtered(36), 0);

@@ -66,6 +66,15 @@ TEST_F(Diagnostics, FolderThatCannotBeWritten_IsPassedOver) {
     ProgramFolder = Folder;
     ASSERT_EQ(symlink("/dev/full", (Folder + "/DebugLog.txt").c_str()), 0);
     DebugLog("lost too");
+    // The run has no head yet: the first entry that can be written brings it.
+    unlink((Folder + "/DebugLog.txt").c_str());
+    DebugLog("kept");
+    EXPECT_EQ(LogText().substr(0, 4), "*** ");
+}
+
+TEST_F(Diagnostics, BytesOfTheFile_AreTheCodePages) {
+    DebugLog("PIM kg/m²");
+    EXPECT_NE(LogText().find("kg/m\xB2\r\n"), std::string::npos);
 }
 
 TEST_F(Diagnostics, ErrorWithoutWords_IsLoggedWithTheRoutineAlone) {

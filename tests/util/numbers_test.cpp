@@ -47,6 +47,8 @@ TEST(StrictNumber, AnythingElse_GivesNoValue) {
 
 TEST(StrictNumber, TooSmallForADouble_IsZero) {
     EXPECT_EQ(StrictNumber("1e-400"), 0.0);
+    EXPECT_EQ(StrictNumber("0." + std::string(400, '0') + "1"), 0.0);
+    EXPECT_EQ(StrictNumber(std::string(400, '9') + "e-5"), std::nullopt);
 }
 
 TEST(StrictWhole, FractionsRoundToEven_AndRangeIs32Bits) {
@@ -85,7 +87,7 @@ TEST(FormatNumber, Picture_GivesItsDecimals) {
 }
 
 TEST(FormatNumber, ExactBinaryValue_DecidesWhatLooksLikeATie) {
-    // 1.005 is stored a little below itself, 1.015 a little below, 0.285 a little above 0.285 - 1e-17.
+    // 1.005 and 2.675 are stored a little below themselves; 0.375 is exact, a true tie.
     EXPECT_EQ(FormatNumber(1.005, "0.00"), "1.00");
     EXPECT_EQ(FormatNumber(2.675, "0.00"), "2.67");
     EXPECT_EQ(FormatNumber(0.375, "0.00"), "0.38");
