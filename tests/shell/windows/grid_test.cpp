@@ -140,6 +140,31 @@ TEST_F(MapGridTest, SelectedCell_KeepsItsColourAndGetsAFrame) {
     EXPECT_EQ(picture.pixelColor(other.left(), other.top() + 4), back);
 }
 
+TEST_F(MapGridTest, PaintedNumbers_ReadWellOnEveryColour) {
+    ShowAt(1280, 800);
+    ShowBuild("RB26DETT6.42");
+    std::string column;
+    for (int raw = 0; raw < 100; ++raw) column += static_cast<char>(raw * 255 / 99);
+    ReadData[0x86] = column;
+    DisplayAllMaps();
+    ClickTab(0);
+    MapGridView* grid = GridOf(0);
+    const QImage picture = grid->viewport()->grab().toImage();
+    for (int c = 0; c < 5; ++c) {
+        for (int r = 0; r < kMapSide; ++r) {
+            const QRect cell = grid->visualRect(grid->model()->index(r, c)).adjusted(3, 3, -3, -3);
+            const QColor back = ColourOf(GridCellColourSet(0, r + 1, c + 1));
+            double best = 0;
+            for (int x = cell.left(); x <= cell.right(); ++x) {
+                for (int y = cell.top(); y <= cell.bottom(); ++y) {
+                    best = std::max(best, Contrast(picture.pixelColor(x, y), back));
+                }
+            }
+            EXPECT_GE(best, 4.5) << r << " " << c;
+        }
+    }
+}
+
 TEST_F(MapGridTest, Scroll_KeepsTheLabelsInPlace) {
     ShowAt(420, 300);
     ShowBuild("RB26DETT6.42");
