@@ -14,7 +14,7 @@ namespace zandrel {
 namespace {
 
 constexpr double kSmallestFont = 0.7;  // of the desktop's font
-constexpr int kLeft = 1;               // MSFlexGrid's numbers for left and right, centred vertically
+constexpr int kLeft = 1;               // ColAlignment: 1 left, 7 right, both centred vertically
 
 const MapGrid& Record(int map) {
     return Grid[static_cast<std::size_t>(map)];
