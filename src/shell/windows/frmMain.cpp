@@ -332,10 +332,10 @@ void frmMain::closeEvent(QCloseEvent* event) {
     if (LongOperationRuns()) {
         // The operation looks at its cancel flag between two exchanges; the window goes once it has ended.
         Progress2.Cancelled = ProgressScan.Cancelled = true;
-        closeAsked_ = true;
+        CloseAsked = true;
         return;
     }
-    closeAsked_ = false;
+    CloseAsked = false;
     if (!frmMain_QueryUnload()) {
         Mirror();
         return;
@@ -348,8 +348,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::CloseIfAsked() {
-    if (!closeAsked_ || LongOperationRuns()) return;
-    closeAsked_ = false;
+    if (!CloseAsked || LongOperationRuns()) return;
+    CloseAsked = false;
     QTimer::singleShot(0, this, [this] { close(); });
 }
 

@@ -116,7 +116,6 @@ class frmMain : public QMainWindow {
     std::string title_;
     bool menuOpens_ = false;
     bool placed_ = false;
-    bool closeAsked_ = false;
     bool unloaded_ = false;
     QRect normalPlace_;  // left and top of the frame, size of the content
 };

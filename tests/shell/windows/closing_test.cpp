@@ -119,6 +119,9 @@ TEST_F(Closing, WhileALongOperationRuns_CancelsItAndWaits) {
         EXPECT_FALSE(Main.close());
         EXPECT_TRUE(Progress2.Cancelled);
         EXPECT_TRUE(ProgressScan.Cancelled);
+        ShowProgress(ProgressScan, "");
+        EXPECT_TRUE(ProgressScan.Cancelled) << "what still begins is cancelled at once";
+        HideProgress(ProgressScan);
         Main.Mirror();
         Settle();
         EXPECT_TRUE(Main.isVisible());
@@ -127,6 +130,7 @@ TEST_F(Closing, WhileALongOperationRuns_CancelsItAndWaits) {
     Main.Mirror();
     EXPECT_TRUE(QTest::qWaitFor([this] { return !Main.isVisible(); }, 2000));
     EXPECT_EQ(Stored("LastCorvaneVer"), "V2.0");
+    EXPECT_FALSE(CloseAsked);
 }
 
 TEST_F(Closing, ExitItem_ClosesTheWindow) {
