@@ -22,6 +22,7 @@ class CommaLocale : public CleanState {
     CommaLocale() : standard_(std::locale::global(std::locale(std::locale(), new CommaPoint))) {
         QLocale::setDefault(QLocale(QLocale::German));
         // The C library speaks it too: the build makes the language in a folder of its own.
+        setenv("LOCPATH", ZANDREL_LOCALES, 1);
         spoken_ = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
     }
     ~CommaLocale() override {
