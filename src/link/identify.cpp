@@ -93,7 +93,7 @@ int ListenForCorvane(std::string& found) {
             if (!found.empty()) return static_cast<int>(i);
         }
         // Short enough to look at every millisecond, long enough not to burn a core while the user is busy.
-        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        std::this_thread::sleep_for(std::chrono::microseconds(400));
     }
     return -1;
 }

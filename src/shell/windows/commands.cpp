@@ -1,12 +1,15 @@
 #include "shell/windows/commands.h"
 
+#include <QAbstractButton>
 #include <algorithm>
 #include <iterator>
 
 #include "link/identify.h"
 #include "link/port.h"
+#include "link/progress.h"
 #include "link/scan.h"
 #include "link/transfers.h"
+#include "shell/windows/shown.h"
 #include "tuning/maps.h"
 
 namespace zandrel {
@@ -57,6 +60,14 @@ const Command& CommandOf(std::string_view name) {
 
 bool HasHandler(std::string_view name) {
     return CommandOf(name).Click != nullptr;
+}
+
+void MirrorButton(QAbstractButton* button, const Control& record, std::string_view name) {
+    const QString text = WithMnemonic(record.Caption);
+    if (button->text() != text) button->setText(text);
+    const bool enabled = record.Enabled && HasHandler(name) && !LongOperationRuns();
+    if (button->isEnabled() != enabled) button->setEnabled(enabled);
+    if (button->isHidden() == record.Visible) button->setVisible(record.Visible);
 }
 
 }  // namespace zandrel

@@ -5,6 +5,10 @@
 #include <QString>
 #include <string_view>
 
+#include "util/controls.h"
+
+class QAbstractButton;
+
 namespace zandrel {
 
 struct Command {
@@ -18,5 +22,9 @@ const Command& CommandOf(std::string_view name);
 
 /// True if the controls of that name do something.
 bool HasHandler(std::string_view name);
+
+/// Brings a button in step with its record: caption, visible, and enabled only while the record says so,
+/// its command has a handler and no long operation runs.
+void MirrorButton(QAbstractButton* button, const Control& record, std::string_view name);
 
 }  // namespace zandrel

@@ -123,6 +123,7 @@ void OpenDesktop(frmMain& main) {
     };
     Desktop.BusyPointer = SetPointer;
     Desktop.ChooseFileToSave = [window](const std::string& proposed) {
+        if (window != nullptr) window->Mirror();
         return ChooseFile(Over(window), proposed);
     };
     Desktop.SetClipboard = [](const std::string& text) { QApplication::clipboard()->setText(Shown(text)); };

@@ -38,15 +38,6 @@ namespace {
 
 constexpr float kTwipsAPixel = 15;  // 1440 to the inch, at 96 pixels
 
-template <class Button>
-void MirrorButton(Button* button, const Control& record, const char* name) {
-    const QString text = WithMnemonic(record.Caption);
-    if (button->text() != text) button->setText(text);
-    const bool enabled = record.Enabled && HasHandler(name) && !LongOperationRuns();
-    if (button->isEnabled() != enabled) button->setEnabled(enabled);
-    if (button->isHidden() == record.Visible) button->setVisible(record.Visible);
-}
-
 void ShowIfOther(QLabel* label, const QString& text) {
     if (label->text() != text) label->setText(text);
 }
@@ -57,6 +48,8 @@ QString PortInWords() {
         const int number = static_cast<int>(i) + 1;
         const QString name = QStringLiteral("COM%1").arg(number);
         const QString device = Shown(ComDevice(number));
+        // Chosen, but closed by a detection that was cancelled: no command would find it.
+        if (!MSComm1.PortOpen()) return name + QStringLiteral(" · closed");
         return device.isEmpty() || device == name ? name : name + QStringLiteral(" · ") + device;
     }
     return QStringLiteral("No port chosen");
@@ -98,8 +91,9 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setCentralWidget(body);
     BuildStatusBar();
     BuildMenus();
-    frmProgress2_ = new frmProgress2(this);
-    frmProgressScan_ = new frmProgressScan(this);
+    frmProgress2_ = new ProgressWindow("frmProgress2", Progress2, ProgressWindow::Manner::OnTop, this);
+    frmProgressScan_ =
+        new ProgressWindow("frmProgressScan", ProgressScan, ProgressWindow::Manner::Modal, this);
     setMinimumSize(fontMetrics().averageCharWidth() * 60, fontMetrics().height() * 16);
     Mirror();
 }
@@ -161,9 +155,7 @@ void frmMain::BuildTabs() {
     }
     connect(SSTab1_, &QTabWidget::currentChanged, this, [this](int tab) { TabChanged(tab); });
     connect(SSTab1_, &QTabWidget::tabBarClicked, this, [this](int tab) {
-        if (tab == SSTab1_->currentIndex() && tab < kMapTabs && tab >= 0) {
-            mapPages_[static_cast<std::size_t>(tab)]->GridView()->setFocus();
-        }
+        if (tab >= 0 && tab == SSTab1_->currentIndex()) FocusTab(tab);
     });
 }
 
@@ -268,7 +260,16 @@ void frmMain::TabChanged(int tab) {
         SSTab1.Tab = tab;
         SSTab1_Click();
     });
-    if (tab < kMapTabs) mapPages_[static_cast<std::size_t>(tab)]->GridView()->setFocus();
+    FocusTab(tab);
+}
+
+// The map itself, or the tab strip: a press on a tab leaves whatever box had the focus.
+void frmMain::FocusTab(int tab) {
+    if (tab < kMapTabs) {
+        mapPages_[static_cast<std::size_t>(tab)]->GridView()->setFocus();
+    } else {
+        SSTab1_->tabBar()->setFocus();
+    }
 }
 
 void frmMain::mousePressEvent(QMouseEvent* event) {

@@ -19,8 +19,7 @@ class QPushButton;
 
 namespace zandrel {
 
-class frmProgress2;
-class frmProgressScan;
+class ProgressWindow;
 class MapPage;
 class SettingsPage;
 class TabRow;
@@ -51,6 +50,7 @@ class frmMain : public QMainWindow {
   private:
     struct BoundAction {
         QAction* Action;
+        QMenu* Menu;
         const MenuItem* Record;
         bool Handled;
         std::string Caption;
@@ -89,6 +89,7 @@ class frmMain : public QMainWindow {
     void MirrorMenus();
 
     void TabChanged(int tab);
+    void FocusTab(int tab);
     void PlaceWindow();
     void KeepPlace();
     void SavePlace();
@@ -107,11 +108,11 @@ class frmMain : public QMainWindow {
     QAction* mnuReadAll_ = nullptr;
     QAction* mnuReadMap_ = nullptr;
     QAction* mnuScan_ = nullptr;
+    QAction* mnuAbout_ = nullptr;
     QMenu* mnuSetupBaseMap_ = nullptr;
     std::vector<BoundAction> items_;
-    std::vector<BoundAction> baseModes_;
-    frmProgress2* frmProgress2_ = nullptr;
-    frmProgressScan* frmProgressScan_ = nullptr;
+    ProgressWindow* frmProgress2_ = nullptr;
+    ProgressWindow* frmProgressScan_ = nullptr;
 
     std::string title_;
     bool menuOpens_ = false;

@@ -18,6 +18,19 @@
 #include "util/product.h"
 
 namespace zandrel {
+namespace {
+
+// Mnemonic letters of a menu's other items.
+QString MnemonicsBeside(const QMenu* menu, const QAction* item) {
+    QString taken;
+    for (const QAction* other : menu->actions()) {
+        const QChar letter = other == item ? QChar() : MnemonicOf(other->text());
+        if (!letter.isNull()) taken += letter;
+    }
+    return taken;
+}
+
+}  // namespace
 
 void frmMain::BuildMenus() {
     BuildFileMenu();
@@ -35,7 +48,7 @@ QAction* frmMain::AddItem(QMenu* menu, const char* name, const MenuItem& record,
     item->setObjectName(index < 0 ? QString::fromLatin1(name) : MemberName(name, index));
     connect(item, &QAction::triggered, this,
             [this, name, index] { Run([name, index] { CommandOf(name).Click(index); }); });
-    items_.push_back({item, &record, HasHandler(name), {}});
+    items_.push_back({item, menu, &record, HasHandler(name), {}});
     return item;
 }
 
@@ -128,7 +141,7 @@ void frmMain::BuildMapsMenu() {
 void frmMain::BuildHelpMenu() {
     QMenu* menu = menuBar()->addMenu(QStringLiteral("&Help"));
     menu->setObjectName(QStringLiteral("mnuHelp"));
-    QAction* about = menu->addAction(QStringLiteral("&About Zandrel"));
+    QAction* about = mnuAbout_ = menu->addAction(QStringLiteral("&About Zandrel"));
     about->setObjectName(QStringLiteral("mnuAbout"));
     about->setMenuRole(QAction::AboutRole);
     connect(about, &QAction::triggered, this, [this] { ShowAbout(); });
@@ -147,7 +160,7 @@ void frmMain::ShowAbout() {
     box->open();
 }
 
-// F10 closes the first port when it is open, F9 opens it when none is.
+// F10 with a port open, F9 with none, is a click on the first port of the menu.
 void frmMain::BuildKeys() {
     const auto add = [this](Qt::Key key, bool whileOpen) {
         auto* shortcut = new QShortcut(QKeySequence(key), this);
@@ -174,7 +187,9 @@ void frmMain::MirrorMenus() {
             item.Caption = record.Caption;
             // Ports carry device names: an "&" in one is no mnemonic.
             const bool port = item.Record >= mnuCom.data() && item.Record < mnuCom.data() + mnuCom.size();
-            item.Action->setText(port ? WithoutMnemonic(record.Caption) : WithMnemonic(record.Caption));
+            item.Action->setText(port
+                                     ? WithoutMnemonic(record.Caption)
+                                     : WithMnemonic(record.Caption, MnemonicsBeside(item.Menu, item.Action)));
         }
         if (item.Action->isCheckable() && item.Action->isChecked() != record.Checked) {
             item.Action->setChecked(record.Checked);
@@ -193,7 +208,8 @@ void frmMain::MirrorMenus() {
     enable(mnuReadMap_,
            mapInView && cmdReadMap[static_cast<std::size_t>(std::min(SSTab1.Tab, kMapTabs - 1))].Enabled &&
                !runs);
-    enable(mnuScan_, !runs);
+    enable(mnuScan_, !runs && MSComm1.PortOpen());
+    enable(mnuAbout_, !runs);
     enable(mnuSetupBaseMap_->menuAction(), BaseMapIndex != kNoMap);
 }
 

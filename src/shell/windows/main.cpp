@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
     zandrel::frmMain_Load();
     main.Mirror();
     main.show();
-    // The settings pages fill themselves once the window stands.
+    // The settings pages fill themselves at the first turn of the event loop.
     QTimer::singleShot(0, &main, [&main] { main.BuildAllPages(); });
     return QApplication::exec();
 }

@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QPainter>
 #include <QResizeEvent>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <cmath>
@@ -184,8 +185,11 @@ int MapGridView::LongestText(const QFontMetrics& metrics) const {
 // before anything is cut off, and only then the grid scrolls.
 void MapGridView::LayOut() {
     const int frame = 2 * frameWidth();
-    const int total = width() - frame;
     const int height = this->height() - frame;
+    // Where the rows have to scroll, their bar takes its part of the width.
+    const int leastRow = QFontMetrics(Scaled(font(), kSmallestFont)).height() + 3;
+    const bool scrolls = leastRow * (kMapSide + 1) > height;
+    const int total = width() - frame - (scrolls ? verticalScrollBar()->sizeHint().width() : 0);
     if (total <= 0 || height <= 0) return;
     const MapGrid& record = Record(model_->Map());
     std::array<double, kMapSide + 1> share{};

@@ -3,29 +3,16 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <utility>
 
-#include "link/progress.h"
 #include "shell/windows/commands.h"
 #include "shell/windows/mapgrid.h"
 #include "shell/windows/shown.h"
 #include "tuning/maps.h"
 
 namespace zandrel {
-namespace {
-
-void MirrorButton(QPushButton* button, const Control& record, const char* name) {
-    const Command& command = CommandOf(name);
-    const QString text = Shown(record.Caption);
-    if (button->text() != text) button->setText(text);
-    const bool enabled = record.Enabled && command.Click != nullptr && !LongOperationRuns();
-    if (button->isEnabled() != enabled) button->setEnabled(enabled);
-    if (button->isHidden() == record.Visible) button->setVisible(record.Visible);
-}
-
-}  // namespace
-
 MapPage::MapPage(int map, Runner run, QWidget* parent)
     : QWidget(parent),
       map_(map),
@@ -61,14 +48,14 @@ MapPage::MapPage(int map, Runner run, QWidget* parent)
     connect(comMapType_, &QComboBox::activated, this, [this](int index) {
         run_([this, index] {
             comMapType[static_cast<std::size_t>(map_)].ListIndex = index;
-            comMapType_Click(map_);
+            CommandOf("comMapType").Click(map_);
         });
         grid_->setFocus();
     });
     connect(chkSplit_, &QCheckBox::clicked, this, [this](bool checked) {
         run_([this, checked] {
             chkSplit[static_cast<std::size_t>(map_)].Value = checked ? 1 : 0;
-            chkSplit_Click(map_);
+            CommandOf("chkSplit").Click(map_);
         });
     });
     connect(cmdReadMap_, &QPushButton::clicked, this,
@@ -83,6 +70,12 @@ void MapPage::Mirror() {
     MirrorSplit();
     MirrorButtons();
     grid_->Mirror();
+}
+
+// A press beside the controls goes to the map.
+void MapPage::mousePressEvent(QMouseEvent* event) {
+    grid_->setFocus();
+    event->accept();
 }
 
 void MapPage::MirrorSelector() {

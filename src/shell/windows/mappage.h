@@ -23,6 +23,9 @@ class MapPage : public QWidget {
     void Mirror();
     MapGridView* GridView() const { return grid_; }
 
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+
   private:
     void MirrorSelector();
     void MirrorSplit();

@@ -13,7 +13,7 @@
 
 namespace zandrel {
 
-ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, QWidget* over)
+ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, Manner manner, QWidget* over)
     : QDialog(over),
       record_(record),
       lblStatus_(new QLabel(this)),
@@ -32,7 +32,8 @@ ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, QWidget* 
     bar_->setMinimumWidth(
         fontMetrics().horizontalAdvance(QLatin1String("Have you turned ON the ignition yet?....")));
     cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
-    cmdCancel_->setDefault(true);
+    // The Enter that answered the box before does not cancel what it has just begun.
+    cmdCancel_->setAutoDefault(false);
     connect(cmdCancel_, &QPushButton::clicked, this, [this] { reject(); });
 
     auto* column = new QVBoxLayout(this);
@@ -41,6 +42,8 @@ ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, QWidget* 
     column->addWidget(bar_);
     column->addWidget(cmdCancel_, 0, Qt::AlignHCenter);
     column->setSizeConstraint(QLayout::SetFixedSize);
+    setModal(manner == Manner::Modal);
+    if (manner == Manner::OnTop) setWindowFlag(Qt::WindowStaysOnTopHint);
 }
 
 void ProgressWindow::Mirror() {
@@ -76,15 +79,6 @@ void ProgressWindow::closeEvent(QCloseEvent* event) {
     }
     reject();
     event->ignore();
-}
-
-frmProgress2::frmProgress2(QWidget* over) : ProgressWindow("frmProgress2", Progress2, over) {
-    setModal(false);
-    setWindowFlag(Qt::WindowStaysOnTopHint);
-}
-
-frmProgressScan::frmProgressScan(QWidget* over) : ProgressWindow("frmProgressScan", ProgressScan, over) {
-    setModal(true);
 }
 
 }  // namespace zandrel

@@ -13,9 +13,11 @@ namespace zandrel {
 
 struct ProgressForm;
 
+/// frmProgress2 stands modeless on top, frmProgressScan is modal.
 class ProgressWindow : public QDialog {
   public:
-    ProgressWindow(const char* name, ProgressForm& record, QWidget* over);
+    enum class Manner { OnTop, Modal };
+    ProgressWindow(const char* name, ProgressForm& record, Manner manner, QWidget* over);
 
     void Mirror();
 
@@ -29,18 +31,6 @@ class ProgressWindow : public QDialog {
     QProgressBar* bar_;
     QPushButton* cmdCancel_;
     std::string status_;
-};
-
-/// Auto detection and map writes: modeless and on top.
-class frmProgress2 : public ProgressWindow {
-  public:
-    explicit frmProgress2(QWidget* over);
-};
-
-/// Version scan: modal.
-class frmProgressScan : public ProgressWindow {
-  public:
-    explicit frmProgressScan(QWidget* over);
 };
 
 }  // namespace zandrel

@@ -46,9 +46,22 @@ QString WithoutMnemonic(const std::string& caption) {
     return Shown(caption).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
-QString WithMnemonic(const std::string& caption) {
-    const QString shown = Shown(caption);
-    return shown.isEmpty() || shown.contains(QLatin1Char('&')) ? shown : QLatin1Char('&') + shown;
+QString WithMnemonic(const std::string& caption, const QString& taken) {
+    QString shown = Shown(caption);
+    if (shown.contains(QLatin1Char('&'))) return shown;
+    for (qsizetype i = 0; i < shown.size(); ++i) {
+        if (!shown[i].isLetterOrNumber() || taken.contains(shown[i].toLower())) continue;
+        return shown.insert(i, QLatin1Char('&'));
+    }
+    return shown;
+}
+
+QChar MnemonicOf(const QString& caption) {
+    for (qsizetype i = caption.indexOf(QLatin1Char('&')); i >= 0 && i + 1 < caption.size();
+         i = caption.indexOf(QLatin1Char('&'), i + 2)) {
+        if (caption[i + 1] != QLatin1Char('&')) return caption[i + 1].toLower();
+    }
+    return {};
 }
 
 QColor ColourOf(std::uint32_t number) {

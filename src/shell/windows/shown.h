@@ -21,8 +21,12 @@ QString Printable(const std::string& text);
 /// A caption whose "&" is a letter like any other: no mnemonic comes of it.
 QString WithoutMnemonic(const std::string& caption);
 
-/// A caption whose first letter is its mnemonic, unless it marks one itself.
-QString WithMnemonic(const std::string& caption);
+/// A caption with a mnemonic: the one that it marks itself, or its first letter or digit that is not in
+/// `taken` (lower case). None is left: no mnemonic.
+QString WithMnemonic(const std::string& caption, const QString& taken = {});
+
+/// The mnemonic letter of a caption in lower case; null for none.
+QChar MnemonicOf(const QString& caption);
 
 /// A colour number with red in its low byte.
 QColor ColourOf(std::uint32_t number);

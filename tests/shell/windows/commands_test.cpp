@@ -140,7 +140,8 @@ TEST_F(Commands, EveryNameOfAWindow_HasARow) {
                              "mnuCom",           "mnuComAuto",
                              "mnuComShowAll",    "mnuSetupCorvaneVer",
                              "mnuMapRefLabels",  "mnuSetupMapColourScheme",
-                             "mnuInjMapDisplay", "mnuBaseMapDisplay"}) {
+                             "mnuInjMapDisplay", "mnuBaseMapDisplay",
+                             "comMapType",       "chkSplit"}) {
         EXPECT_EQ(CommandOf(name).Name, name);
     }
     EXPECT_FALSE(HasHandler("cmdNothing"));

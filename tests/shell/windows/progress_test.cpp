@@ -23,7 +23,7 @@ class ProgressWindows : public WindowTest {
 
 TEST_F(ProgressWindows, Progress2_FollowsItsRecord) {
     ShowAt(800, 600);
-    auto* window = WindowOf<frmProgress2>("frmProgress2");
+    auto* window = WindowOf<ProgressWindow>("frmProgress2");
     EXPECT_FALSE(window->isVisible());
     ShowProgress(Progress2, "Turn igniton on now.");
     Progress2.Bar = 42.4;
@@ -49,7 +49,7 @@ TEST_F(ProgressWindows, EveryHint_FitsTheWindow) {
         Progress2.Status = hint;
         Main.Mirror();
         Settle();
-        auto* label = WindowOf<frmProgress2>("frmProgress2")->findChild<QLabel*>("lblStatus");
+        auto* label = WindowOf<ProgressWindow>("frmProgress2")->findChild<QLabel*>("lblStatus");
         EXPECT_LE(label->sizeHint().width(), label->width()) << hint;
     }
 }
@@ -58,7 +58,7 @@ TEST_F(ProgressWindows, CancelByButton_SetsTheFlagAndTheOperationHides) {
     ShowAt(800, 600);
     ShowProgress(Progress2, "x");
     Main.Mirror();
-    auto* window = WindowOf<frmProgress2>("frmProgress2");
+    auto* window = WindowOf<ProgressWindow>("frmProgress2");
     auto* cancel = window->findChild<QPushButton*>("cmdCancel");
     QTest::mouseClick(cancel, Qt::LeftButton);
     EXPECT_TRUE(Progress2.Cancelled);
@@ -74,7 +74,7 @@ TEST_F(ProgressWindows, CancelByEscape) {
     ShowAt(800, 600);
     ShowProgress(ProgressScan, "");
     Main.Mirror();
-    auto* window = WindowOf<frmProgressScan>("frmProgressScan");
+    auto* window = WindowOf<ProgressWindow>("frmProgressScan");
     EXPECT_TRUE(window->isModal());
     QTest::keyClick(window, Qt::Key_Escape);
     EXPECT_TRUE(ProgressScan.Cancelled);
@@ -85,7 +85,7 @@ TEST_F(ProgressWindows, CancelByClosing) {
     ShowAt(800, 600);
     ShowProgress(ProgressScan, "");
     Main.Mirror();
-    auto* window = WindowOf<frmProgressScan>("frmProgressScan");
+    auto* window = WindowOf<ProgressWindow>("frmProgressScan");
     EXPECT_FALSE(window->close());
     EXPECT_TRUE(ProgressScan.Cancelled);
     EXPECT_FALSE(Progress2.Cancelled);

@@ -63,6 +63,10 @@ TEST(Captions, Ampersands_AreLettersOrMnemonics) {
     EXPECT_EQ(WithMnemonic("Read All").toStdString(), "&Read All");
     EXPECT_EQ(WithMnemonic("MapRef &Labels").toStdString(), "MapRef &Labels");
     EXPECT_TRUE(WithMnemonic("").isEmpty());
+    EXPECT_EQ(WithMnemonic("Base x INJ", "b").toStdString(), "B&ase x INJ");
+    EXPECT_EQ(WithMnemonic("(x)", "x").toStdString(), "(x)");
+    EXPECT_EQ(MnemonicOf("MapRef &Labels"), QChar(u'l'));
+    EXPECT_TRUE(MnemonicOf("a && b").isNull());
 }
 
 class FieldWidth : public CleanState {};
