@@ -20,7 +20,7 @@ ProgressWindow::ProgressWindow(const char* name, ProgressForm& record, Manner ma
       bar_(new QProgressBar(this)),
       cmdCancel_(new QPushButton(QStringLiteral("Cancel"), this)) {
     setObjectName(QLatin1String(name));
-    setWindowTitle(QStringLiteral("Zandrel"));
+    setWindowTitle(manner == Manner::Modal ? QStringLiteral("Zandrel: Scan") : QStringLiteral("Zandrel"));
     lblStatus_->setObjectName(QStringLiteral("lblStatus"));
     lblStatus_->setTextFormat(Qt::PlainText);
     lblStatus_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
