@@ -26,10 +26,10 @@ std::string ConstantText(const std::vector<std::string>& parts, int i) {
 
 }  // namespace
 
-CurveSpecification ParseCurve(std::string_view tag) {
+CurveSpec ParseCurve(std::string_view tag) {
     auto sections = Split(tag, ';');
     sections.resize(3);
-    CurveSpecification curve;
+    CurveSpec curve;
     const auto head = Split(sections[0], ',');
     curve.Points = Whole(head[0]);
     curve.LockX = std::find(head.begin() + 1, head.end(), "LockX") != head.end();

@@ -1,4 +1,4 @@
-// Curve specifications: three sections separated by semicolons, the number of points with its keywords,
+// Curve texts: three sections separated by semicolons, the number of points with its keywords,
 // the X axis, the Y axis. An axis is stored in a block or constant.
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace zandrel {
 
-struct CurveSpecification {
+struct CurveSpec {
     int Points = 0;
     bool LockX = false;  // the X values begin locked for good
     bool LockY = false;
@@ -15,7 +15,7 @@ struct CurveSpecification {
 };
 
 /// Takes a curve's Tag apart; missing sections are empty, unknown keywords are passed over.
-CurveSpecification ParseCurve(std::string_view tag);
+CurveSpec ParseCurve(std::string_view tag);
 
 /// A constant axis has no bytes and is never written.
 bool AxisIsConstant(std::string_view axis);

@@ -223,7 +223,7 @@ constexpr BitRow kBits[] = {
 };
 
 constexpr CurveRow kCurves[] = {
-    // frame index, button, specification
+    // frame index, button, curve text
     { 130,  130, "Low", "3;&H7D,3,-1,1,0.390625,0,0;&H7D,6,-1,1,40,0,0"},
     { 130,  131, "High", "3;&H7D,3,-1,1,0.390625,0,0;&H7D,9,-1,1,40,0,0"},
     { 200,  200, "Curve 1", "6;Const,,,,,,0,-30,-10,10,30,50,80;&H8F,6,-1,1,0.015625,0,0.000"},

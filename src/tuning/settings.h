@@ -19,7 +19,7 @@ extern ControlArray chkSetting;     // flag bytes
 extern ControlArray chkSettingBit;  // single bits
 extern ControlArray optSetting;     // one of several values of a byte
 extern ControlArray lblSetting;     // texts held in a block
-extern ControlArray cmdEditCurve;   // curve specifications
+extern ControlArray cmdEditCurve;   // curve texts
 extern ControlArray lblGeneral;     // fixed labels, numbered from their frame's number upward
 extern ControlArray lblRevIdle;     // labels of the rev and idle rows, frames 120 and 1120
 extern ControlArray lblAntiLag;     // labels of the anti-lag fields, frame 550

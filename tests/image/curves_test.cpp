@@ -19,7 +19,7 @@ class Curves : public CleanState {
 };
 
 TEST_F(Curves, Specification_IsTakenApart) {
-    const CurveSpecification curve = ParseCurve("20,LockX,Other,LockY;&H8A,1,2,2,1,0,0;&H8A,41,2,2,1,0,0");
+    const CurveSpec curve = ParseCurve("20,LockX,Other,LockY;&H8A,1,2,2,1,0,0;&H8A,41,2,2,1,0,0");
     EXPECT_EQ(curve.Points, 20);
     EXPECT_TRUE(curve.LockX);
     EXPECT_TRUE(curve.LockY);
@@ -32,7 +32,7 @@ TEST_F(Curves, Specification_IsTakenApart) {
 
 TEST_F(Curves, NegativeStride_ReadsTheFirstPointFromTheHighestOffset) {
     ReadData[0x7B] = Bytes({10, 11, 20, 21, 30, 31});
-    const CurveSpecification curve = ParseCurve("3;&H7B,5,-2,1,256,0,0;&H7B,6,-2,1,1,0,0");
+    const CurveSpec curve = ParseCurve("3;&H7B,5,-2,1,256,0,0;&H7B,6,-2,1,1,0,0");
     EXPECT_EQ(CurvePointText(curve.X, 0), "7680");
     EXPECT_EQ(CurvePointText(curve.X, 2), "2560");
     EXPECT_EQ(CurvePointText(curve.Y, 0), "31");

@@ -250,7 +250,7 @@ TEST_F(Identify, NamePair_IsChosenByTheEngineBlock) {
 class UnknownBuild : public Identify {
   protected:
     UnknownBuild() {
-        Restart(Of("RB99XXXX1.23"));
+        Restart(Of("RB99TEST1.23"));
         mnuSaveAs_Click = [this] {
             ++saves_;
             title_ = MainFormState.FileTitle;
@@ -263,7 +263,7 @@ class UnknownBuild : public Identify {
         });
     }
     static void ExpectScanOffer() {
-        ExpectBox(std::string("RB99XXXX version 1.23 is not yet supported.\n"
+        ExpectBox(std::string("RB99TEST version 1.23 is not yet supported.\n"
                               "Please complete the following scan then save and email to\n") +
                       kSupportAddress,
                   Box::Critical);
@@ -281,7 +281,7 @@ TEST_F(UnknownBuild, LeadsToTheScanAndTheSave) {
     EXPECT_FALSE(ValidVersion(true, true));
     EXPECT_TRUE(scanned_);
     EXPECT_EQ(saves_, 1);
-    EXPECT_EQ(title_, "scan RB99XXXX v1.23.dat");
+    EXPECT_EQ(title_, "scan RB99TEST v1.23.dat");
     EXPECT_EQ(named, 1);
     EXPECT_FALSE(cmdWriteAll.Enabled);
     EXPECT_FALSE(ProgressScan.Visible);
@@ -295,7 +295,7 @@ TEST_F(UnknownBuild, LeavesTheVersionInForce_SoThatTheNextAttemptGoesTheSameWay)
         EXPECT_EQ(VerName, "RB26DETT");
         EXPECT_EQ(VerNumber, "6.42");
         EXPECT_EQ(saves_, attempt);
-        EXPECT_EQ(MainFormState.Caption, "Zandrel [RB26DETT v6.42] - scan RB99XXXX v1.23.dat");
+        EXPECT_EQ(MainFormState.Caption, "Zandrel [RB26DETT v6.42] - scan RB99TEST v1.23.dat");
     }
 }
 

@@ -6,7 +6,12 @@
 #include <clocale>
 #include <locale>
 
+#include "image/image.h"
+#include "shell/settingsstore.h"
 #include "support/cleanstate.h"
+#include "tuning/binding.h"
+#include "tuning/maps.h"
+#include "tuning/settings.h"
 #include "util/diagnostics.h"
 #include "util/numbers.h"
 
@@ -47,6 +52,50 @@ TEST_F(CommaLocale, NumbersAreReadAndWrittenWithAPoint) {
     EXPECT_EQ(StrictNumber("4.5"), 4.5);
     EXPECT_EQ(StrictNumber("4,5"), std::nullopt);
     EXPECT_EQ(LenientNumber("0.0030517578125"), 0.0030517578125);
+}
+
+// Every text of a build's settings and maps, under the comma and without it.
+TEST_F(CommaLocale, NoShownTextChanges) {
+    const auto texts = [] {
+        GridInit();
+        ApplyBuild("1JZ-GTE23.12");
+        for (int b = 0; b < 256; ++b) {
+            if (!BlockRead[b]) continue;
+            ReadData[b].clear();
+            for (int i = 0; i < BlockLength[b]; ++i) ReadData[b] += static_cast<char>(b * 7 + i * 13 + 1);
+        }
+        mnuMapRefLabels.Checked = true;
+        DisplayAllData();
+        std::vector<std::string> shown;
+        for (const auto& [index, text] : txtSetting) shown.push_back(text.Text);
+        for (BaseMapDisplay = 0; BaseMapDisplay <= 3; ++BaseMapDisplay) {
+            for (int map = 0; map < 3; ++map) shown.push_back(GridCellText(map, 7, 9));
+        }
+        for (InjMapDisplay = 0; InjMapDisplay <= 2; ++InjMapDisplay) shown.push_back(GridCellText(0, 3, 4));
+        shown.push_back(Grid[0].FormatString);
+        BaseMapDisplay = InjMapDisplay = 0;
+        return shown;
+    };
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    const auto comma = texts();
+    std::setlocale(LC_NUMERIC, "C");
+    const std::locale standard = std::locale::global(std::locale::classic());
+    const auto point = texts();
+    std::locale::global(standard);
+    EXPECT_EQ(comma, point);
+    int fractions = 0;
+    for (const std::string& text : comma) {
+        EXPECT_EQ(text.find(','), text.npos) << text;
+        fractions += text.find('.') != text.npos;
+    }
+    EXPECT_GT(fractions, 100);
+}
+
+TEST_F(CommaLocale, SettingsStoreWritesAndReadsAPoint) {
+    SaveNumber("StoichAF", 14.68);
+    EXPECT_EQ(GetSetting("Settings", "StoichAF", ""), "14.68");
+    SaveNumber("MainLeft", 450.5);
+    EXPECT_EQ(GetSingle("MainLeft", 0), 450.5F);
 }
 
 TEST_F(CommaLocale, LogLinesHaveAPoint) {

@@ -16,7 +16,7 @@ struct FrameRows {
 
 // Rows are parted by "/", places by blanks: "." is an empty place, "<" widens the place before it, "|" a
 // gap. Labels name the row that they begin or the column that they head; which value belongs to which
-// label follows from the curve specifications, where a frame has one.
+// label follows from the curve texts, where a frame has one.
 // clang-format off
 constexpr std::string_view kTwoValues  = "L0 t0 / L1 t1";
 constexpr std::string_view kSixValues  = "L0 t0 / L1 t1 / L2 t2 / L3 t3 / L4 t4 / L5 t5 / . k0";

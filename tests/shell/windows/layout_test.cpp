@@ -84,13 +84,21 @@ TEST_P(Layout, EveryShownFrame_HoldsItsControlsWhole) {
     }
 }
 
+std::string CaseName(const testing::TestParamInfo<Case>& info) {
+    std::string name = info.param.Build;
+    for (char& letter : name) {
+        if (!std::isalnum(static_cast<unsigned char>(letter))) letter = '_';
+    }
+    return name + "_" + std::to_string(info.param.Width);
+}
+
 constexpr Case kCases[] = {
     {"RB26DETT6.42", 747, 542},   {"RB26DETT6.42", 1280, 800}, {"13B-REW7.07", 747, 542},
     {"13B-REW7.07", 1280, 800},   {"1JZGT-AT3.54", 747, 542},  {"1JZGT-AT3.54", 1280, 800},
     {"B18C2.02B", 747, 542},      {"B18C2.02B", 1280, 800},    {"RB26DETT3.11D", 747, 542},
     {"RB26DETT3.11D", 1280, 800},
 };
-INSTANTIATE_TEST_SUITE_P(Windows, Layout, testing::ValuesIn(kCases));
+INSTANTIATE_TEST_SUITE_P(Windows, Layout, testing::ValuesIn(kCases), CaseName);
 
 class Flow : public Layout {};
 
