@@ -2,6 +2,7 @@
 // time, leaves pictures, and fails loudly. It talks to whatever ZANDREL_PORTS names; without it, it starts
 // powerfc-sim itself.
 #include <signal.h>
+#include <sys/prctl.h>
 
 #include <QApplication>
 #include <QDir>
@@ -31,10 +32,13 @@ int FirstPort() {
     return whole && number >= 1 && number <= 16 ? number : 0;
 }
 
-bool StartSimulator(QProcess& simulator) {
+bool StartSimulator(QProcess& simulator, const QString& journal) {
+    // A tour that is killed takes its simulator along.
+    simulator.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
     simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    simulator.start(QApplication::applicationDirPath() + QStringLiteral("/powerfc-sim"),
-                    {QStringLiteral("--version"), QStringLiteral("RB26DETT6.42")});
+    simulator.start(
+        QApplication::applicationDirPath() + QStringLiteral("/powerfc-sim"),
+        {QStringLiteral("--version"), QStringLiteral("RB26DETT6.42"), QStringLiteral("--journal"), journal});
     if (!simulator.waitForStarted(5000) || !simulator.waitForReadyRead(5000)) return false;
     const QString terminal = QString::fromUtf8(simulator.readLine()).trimmed();
     // The machine's own ports are left alone.
@@ -45,6 +49,18 @@ bool StartSimulator(QProcess& simulator) {
     return true;
 }
 
+// What an earlier tour has left would pass for this one's. Only a tour's own files go: numbered pictures,
+// and the log and journal of a folder that holds a tour's settings.
+void ForgetEarlierTour(QDir folder) {
+    if (!folder.exists(QStringLiteral("tour-settings.ini"))) return;
+    for (const QString& file : folder.entryList({QStringLiteral("[0-9][0-9]-*.png")}, QDir::Files)) {
+        folder.remove(file);
+    }
+    for (const char* file : {"DebugLog.txt", "journal.txt", "tour-settings.ini"}) {
+        folder.remove(QLatin1String(file));
+    }
+}
+
 void StopSimulator(QProcess& simulator) {
     if (simulator.state() == QProcess::NotRunning) return;
     simulator.terminate();
@@ -53,7 +69,7 @@ void StopSimulator(QProcess& simulator) {
 
 int Tour(const QString& folder, const zandrel::TourSetting& setting) {
     zandrel::ProgramFolder = folder.toStdString();
-    zandrel::OpenSettingsStore(QDir(folder).filePath(QStringLiteral("settings.ini")).toStdString());
+    zandrel::OpenSettingsStore(QDir(folder).filePath(QStringLiteral("tour-settings.ini")).toStdString());
     zandrel::LoadDesign();
     zandrel::frmMain window;
     zandrel::OpenDesktop(window);
@@ -67,7 +83,11 @@ int Tour(const QString& folder, const zandrel::TourSetting& setting) {
     } catch (const zandrel::TourFailure& failure) {
         std::printf("            FAILED: %s\n", qPrintable(failure.Reason));
         std::fflush(stdout);
-        zandrel::Picture(QStringLiteral("failed"));
+        try {
+            zandrel::Picture(QStringLiteral("failed"));
+        } catch (const zandrel::TourFailure& again) {
+            std::printf("            and no picture of it: %s\n", qPrintable(again.Reason));
+        }
         return 1;
     }
     std::printf("The tour is through: %d pictures in %s\n", zandrel::PictureCount(), qPrintable(folder));
@@ -103,18 +123,13 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "can't make the folder %s\n", qPrintable(folder));
         return 2;
     }
-    // What an earlier tour has left there would pass for this one's.
-    QDir left(folder);
-    for (const QString& file : left.entryList(
-             {QStringLiteral("*.png"), QStringLiteral("settings.ini"), QStringLiteral("DebugLog.txt")},
-             QDir::Files)) {
-        left.remove(file);
-    }
+    ForgetEarlierTour(QDir(folder));
 
     QProcess simulator;
     zandrel::TourSetting setting;
     setting.OwnSimulator = qEnvironmentVariableIsEmpty("ZANDREL_PORTS");
-    if (setting.OwnSimulator && !StartSimulator(simulator)) {
+    setting.Journal = QDir(folder).filePath(QStringLiteral("journal.txt"));
+    if (setting.OwnSimulator && !StartSimulator(simulator, setting.Journal)) {
         std::fprintf(stderr, "powerfc-sim does not start\n");
         return 1;
     }

@@ -1,5 +1,8 @@
 #include "person.h"
 
+#include <signal.h>
+#include <unistd.h>
+
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -39,6 +42,26 @@ QAbstractButton* ButtonOf(const QMessageBox& box, const QString& caption) {
     return nullptr;
 }
 
+// Presses Cancel in whatever progress window stands on the screen.
+void CancelProgress() {
+    for (const char* name : {"frmProgress2", "frmProgressScan"}) {
+        auto* window = Window->findChild<QWidget*>(QLatin1String(name));
+        auto* cancel =
+            window == nullptr ? nullptr : window->findChild<QAbstractButton*>(QStringLiteral("cmdCancel"));
+        if (cancel != nullptr && cancel->isVisible() && cancel->isEnabled())
+            QTest::mouseClick(cancel, Qt::LeftButton);
+    }
+}
+
+// A step that takes so long hangs.
+constexpr unsigned kLongestStepSeconds = 300;
+
+void StepHangs(int) {
+    constexpr char text[] = "            FAILED: the step hangs\n";
+    static_cast<void>(!write(STDOUT_FILENO, text, sizeof text - 1));
+    _exit(1);
+}
+
 // Looks for a message box and answers it as a person told beforehand would.
 void AnswerBoxes() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -52,12 +75,17 @@ void AnswerBoxes() {
             Boxes.pop_front();
         } else if (Surprise.isEmpty()) {
             Surprise = QStringLiteral("unexpected message: ") + box->text();
+            if (Surprise.contains(QStringLiteral("is not yet supported"))) {
+                std::printf("            its scan runs now, two minutes at the most\n");
+            }
         }
         if (button == nullptr) button = box->buttons().constFirst();
         box->setProperty("answered", true);
         QTest::mouseClick(button, Qt::LeftButton);
-        return;
+        break;
     }
+    // What follows an unexpected box tells nothing more, but for the scan of an unknown build.
+    if (!Surprise.isEmpty() && !Surprise.contains(QStringLiteral("is not yet supported"))) CancelProgress();
 }
 
 QMenu& MenuNamed(const QString& name) {
@@ -92,7 +120,16 @@ void Step(const QString& name, const std::function<QString()>& action) {
     Surprise.clear();
     QElapsedTimer step;
     step.start();
-    const QString found = action();
+    signal(SIGALRM, StepHangs);
+    alarm(kLongestStepSeconds);
+    QString found;
+    try {
+        found = action();
+    } catch (const TourFailure& failure) {
+        // What went wrong first is the reason.
+        Fail(Surprise.isEmpty() ? failure.Reason : Surprise);
+    }
+    alarm(0);
     QTest::qWait(20);  // a box that the step has left behind shows itself
     if (!Surprise.isEmpty()) Fail(Surprise);
     if (!Boxes.empty()) Fail(QStringLiteral("this message did not come: ") + Boxes.front().Text);
@@ -173,7 +210,13 @@ void Once(const std::function<bool()>& condition, const std::function<void()>& a
         if (!condition()) return;
         look->stop();
         look->deleteLater();
-        action();
+        // No exception may cross the event loop.
+        try {
+            action();
+        } catch (const TourFailure& failure) {
+            if (Surprise.isEmpty()) Surprise = failure.Reason;
+            CancelProgress();
+        }
     });
     look->start(10);
 }

@@ -11,6 +11,7 @@ namespace zandrel {
 struct TourSetting {
     int PortNumber = 1;                    // COM port that the Power-FC is on
     bool OwnSimulator = false;             // the tour has started the simulator itself
+    QString Journal;                       // its journal then
     std::function<void()> SwitchIgnition;  // makes the Corvane announce itself
 };
 

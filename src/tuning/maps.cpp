@@ -177,8 +177,8 @@ void LoadMapsDesign() {
         Grid[At(i)].Tag = kDesignTags[i];
         Grid[At(i)].Width = 10000;
         chkSplit[At(i)].Visible = false;
-        cmdReadMap[At(i)].Caption = "Read Map";
-        cmdWriteMap[At(i)].Caption = "Write Map";
+        cmdReadMap[At(i)].Caption = "Rea&d Map";
+        cmdWriteMap[At(i)].Caption = "Wri&te Map";
         comMapType[At(i)].Items = {"Base (msec)", "Base x INJ (msec)", "Head room (msec)", "Fuel duty (%)"};
     }
     comMapType[0].Items = {"Correction", "Lambda", "AF ratio"};

@@ -14,10 +14,10 @@
 namespace zandrel {
 namespace {
 
-constexpr int kTimeOut = 40;
+constexpr int kTimeOut = 120;
 // A send follows its predecessor by the deadline and at least the millisecond past it; the slack is what
 // a loaded machine may take.
-constexpr double kSlackMs = 80;
+constexpr double kSlackMs = 60;
 // The device may notice the first of two sends that much later than it was sent.
 constexpr double kLateMs = 15;
 

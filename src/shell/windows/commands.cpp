@@ -17,7 +17,7 @@ namespace {
 
 constexpr char kNoSending[] = "Sending to the Power-FC is not part of this version.";
 constexpr char kNoCurves[] = "Editing curves is not part of this version.";
-constexpr char kNoEditing[] = "";
+constexpr char kNoEditing[] = "Editing is not part of this version.";
 
 // clang-format off
 constexpr Command kCommands[] = {

@@ -247,7 +247,9 @@ void frmMain::MirrorButtons() {
 
 void frmMain::MirrorStatusBar() {
     ShowIfOther(lblPort_, PortInWords());
-    ShowIfOther(lblInterface_, QStringLiteral("Interface ") + Printable(CorvaneVer));
+    // Before the first reading the interface's version is what it was the last time.
+    ShowIfOther(lblInterface_, QStringLiteral("Interface ") + Printable(CorvaneVer) +
+                                   (VerName.empty() ? QStringLiteral(" (not asked yet)") : QString()));
     ShowIfOther(lblBuild_, VerName.empty() && VerNumber.empty()
                                ? QStringLiteral("No Power-FC read yet")
                                : Printable(VerName) + QStringLiteral(" v") + Printable(VerNumber));

@@ -387,7 +387,11 @@ QString SettingsPage::ToolTipOf(const Bound& bound) {
     if (bound.What == Kind::Button || bound.What == Kind::Entry) {
         return bound.Handled ? QString() : QString::fromUtf8(CommandOf(bound.Name).Later);
     }
-    return FieldToolTip(record.Tag);
+    // Boxes that can be read but not changed look as usual: the tool tip says it.
+    const QString field = FieldToolTip(record.Tag);
+    const QString later = QString::fromUtf8(CommandOf(bound.Name).Later);
+    if (bound.Handled || later.isEmpty()) return field;
+    return field.isEmpty() ? later : field + QLatin1Char('\n') + later;
 }
 
 bool SettingsPage::eventFilter(QObject* object, QEvent* event) {

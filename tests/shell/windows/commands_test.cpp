@@ -71,7 +71,8 @@ TEST_F(Commands, TextBoxes_CanBeCopiedFromButNotTypedInto) {
     EXPECT_TRUE(box->isEnabled());
     QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(box->selectedText(), before);
-    EXPECT_EQ(ToolTipOver(box), FieldToolTip(txtSetting[120].Tag).toStdString());
+    EXPECT_EQ(ToolTipOver(box),
+              FieldToolTip(txtSetting[120].Tag).toStdString() + "\nEditing is not part of this version.");
 }
 
 TEST_F(Commands, ChecksAndOptions_LookNormalAndStayPut) {

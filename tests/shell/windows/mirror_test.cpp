@@ -199,10 +199,11 @@ TEST_F(MirrorOnce, LockedDisabledAndColouredRecords_AreFollowed) {
 TEST_F(MirrorOnce, StatusBarAndTitle_TellInWords) {
     ShowAt(1280, 800);
     EXPECT_EQ(Named<QLabel>(QStringLiteral("lblPort"))->text(), "No port chosen");
-    EXPECT_EQ(Named<QLabel>(QStringLiteral("lblInterface"))->text(), "Interface V2.0");
+    EXPECT_EQ(Named<QLabel>(QStringLiteral("lblInterface"))->text(), "Interface V2.0 (not asked yet)");
     EXPECT_EQ(Named<QLabel>(QStringLiteral("lblBuild"))->text(), "No Power-FC read yet");
     ShowBuild("RB26DETT6.42");
     EXPECT_EQ(Named<QLabel>(QStringLiteral("lblBuild"))->text(), "RB26DETT v6.42");
+    EXPECT_EQ(Named<QLabel>(QStringLiteral("lblInterface"))->text(), "Interface V2.0");
     SetCaption("Unsaved Data");
     Main.Mirror();
     EXPECT_EQ(Main.windowTitle(), "Zandrel [RB26DETT v6.42] - Unsaved Data");
