@@ -122,12 +122,6 @@ bool ReadCorvaneVer() {
     return true;
 }
 
-bool ReadBlock(int block, int length, bool show) {
-    const auto at = static_cast<std::size_t>(block);
-    return ReadPacketData(ByteString(1, static_cast<char>(block)), length, ReadData[at], show) ==
-           LinkResult::Success;
-}
-
 // Fetches the blocks that name the build. The older families keep them in 0x6B and 0x6C.
 bool ReadVersionBlocks() {
     if (ReadBlock(0xF3, 8, false)) return ReadBlock(0xF5, 5, true);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "image/image.h"
 #include "link/identify.h"
 #include "link/port.h"
 #include "util/desktop.h"
@@ -275,6 +276,12 @@ LinkResult ReadPacketData(const ByteString& command, int expectedLength, ByteStr
              std::to_string(expectedLength));
     ShowNotResponding(show);
     return LinkResult::PortClosed;
+}
+
+bool ReadBlock(int block, int length, bool show) {
+    const ByteString command(1, static_cast<char>(block));
+    return ReadPacketData(command, length, ReadData[static_cast<std::size_t>(block)], show) ==
+           LinkResult::Success;
 }
 
 void ShowNotResponding(bool show) {

@@ -53,6 +53,10 @@ LinkResult ReadPacket(ByteString& command, bool show);
 /// otherwise stays. With 0 any length will do, and the checksum byte is carried along as the last.
 LinkResult ReadPacketData(const ByteString& command, int expectedLength, ByteString& data, bool show);
 
+/// Reads block `block` (0 to 255), which has `length` bytes, into the image. False: it failed, the image is
+/// as it was.
+bool ReadBlock(int block, int length, bool show);
+
 /// Tells the user that nothing answers and opens the port anew. Nothing if `show` is false.
 void ShowNotResponding(bool show);
 

@@ -20,12 +20,6 @@ Control cmdReadAll, cmdWriteAll, cmdUpdate, optAutoUpdate;
 
 namespace {
 
-bool ReadInto(int block, int length) {
-    const auto at = static_cast<std::size_t>(block);
-    return ReadPacketData(ByteString(1, static_cast<char>(block)), length, ReadData[at], true) ==
-           LinkResult::Success;
-}
-
 // Two blocks prove writable only by being read.
 void EnableIfRead(int frame, std::size_t block) {
     if (!FraSettings[frame].Visible || ReadData[block].size() < BlockLength[block]) return;
@@ -37,7 +31,7 @@ void EnableIfRead(int frame, std::size_t block) {
 bool ReadAllBlocks(const std::array<ByteString, 256>& before) {
     for (int b = 0; b < 256; ++b) {
         const auto at = static_cast<std::size_t>(b);
-        if (!BlockRead[at] || ReadInto(b, BlockLength[at])) continue;
+        if (!BlockRead[at] || ReadBlock(b, BlockLength[at], true)) continue;
         MessageBox("Read All Error " + Hex(static_cast<std::uint32_t>(b)), Box::Critical);
         ReadData = before;
         return false;
@@ -82,7 +76,7 @@ void cmdReadAll_Click() {
 bool ReadMap(int map) {
     const auto at = static_cast<std::size_t>(map);
     for (int k = 0; k < MapCellSize[at] * 4; ++k) {
-        if (!ReadInto(MapFirstBlock[at] + k, 100)) return true;
+        if (!ReadBlock(MapFirstBlock[at] + k, 100, true)) return true;
     }
     return false;
 }
