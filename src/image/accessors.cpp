@@ -1,10 +1,12 @@
 #include "image/accessors.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
 
+#include "image/history.h"
 #include "image/image.h"
 #include "util/codepage.h"
 #include "util/numbers.h"
@@ -49,14 +51,12 @@ int ByteOf(std::string_view text) {
     return number >= 0 && number <= 255 ? static_cast<int>(number) : 0;
 }
 
-// Lays `bytes` over the block from the field's offset on; the block never grows. All edits end here.
-void Overwrite(std::size_t block, int offset, const ByteString& bytes) {
-    ByteString& data = ReadData[block];
+// Lays `bytes` over the block from the field's offset on; the block never grows.
+void Overwrite(std::size_t block, int offset, const ByteString& bytes, int map = -1, int row = 0,
+               int column = 0) {
     const auto start = static_cast<std::size_t>(offset - 1);
-    data.replace(start, bytes.size(), bytes, 0, data.size() - start);
-    BlockChanged[block] = true;
-    DataChanged = true;
-    AfterEdit();
+    const std::size_t room = std::min(bytes.size(), ReadData[block].size() - start);
+    Carry({block, start, ReadData[block].substr(start, room), bytes.substr(0, room), map, row, column});
 }
 
 ByteString WordBytes(int word) {
@@ -242,9 +242,11 @@ void SetCell(int map, int row, int column, std::int32_t raw) {
     if (place.Offset > std::ssize(block)) return;
     if (std::string_view(block).substr(static_cast<std::size_t>(place.Offset - 1), bytes.size()) == bytes)
         return;
-    MapCellChanged[static_cast<std::size_t>(map)][static_cast<std::size_t>(row)]
-                  [static_cast<std::size_t>(column)] = true;
-    Overwrite(static_cast<std::size_t>(place.Block), place.Offset, bytes);
+    Overwrite(static_cast<std::size_t>(place.Block), place.Offset, bytes, map, row, column);
+}
+
+void ReplaceBlock(std::size_t block, const ByteString& bytes) {
+    Carry({block, 0, ReadData[block], bytes});
 }
 
 }  // namespace zandrel

@@ -12,7 +12,8 @@
 
 namespace zandrel {
 
-/// Runs after a write accessor has changed bytes and raised the flags. Set by link/transfers.
+/// Runs after a write accessor has changed bytes and raised the flags; within a gesture (image/history) once,
+/// at its end. Set by link/transfers.
 inline std::function<void()> AfterEdit = [] {};
 
 /// `descriptor`: block, offset, size, scale, value offset, format. The formatted value.
@@ -45,6 +46,9 @@ void SetBit(std::string_view descriptor, int value);
 void SetOption(std::string_view descriptor);
 
 void SetCell(int map, int row, int column, std::int32_t raw);
+
+/// The whole of block `block` (0 to 255) becomes `bytes`; its flags are raised even where they are the same.
+void ReplaceBlock(std::size_t block, const ByteString& bytes);
 
 /// Limited to the range and rounded to the nearest whole number, ties to even.
 int ClampByte(float value);        // 0 to 255

@@ -9,6 +9,7 @@ std::array<std::uint8_t, 256> BlockLength{};
 std::array<bool, 256> BlockRead{};
 std::array<bool, 256> BlockWrite{};
 std::array<bool, 256> BlockChanged{};
+std::array<bool, 256> BlockInForce{};
 bool DataChanged = false;
 
 std::array<std::uint8_t, kMaps> MapFirstBlock{};

@@ -18,6 +18,7 @@ extern std::array<std::uint8_t, 256> BlockLength;  // data bytes on this build; 
 extern std::array<bool, 256> BlockRead;            // takes part in a Read All
 extern std::array<bool, 256> BlockWrite;           // may be written
 extern std::array<bool, 256> BlockChanged;         // edited since last in step with the Power-FC
+extern std::array<bool, 256> BlockInForce;         // bytes read from, or loaded for, the version in force
 
 /// The image holds a change that no file holds.
 extern bool DataChanged;

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "image/accessors.h"
+#include "image/history.h"
 #include "image/image.h"
 #include "link/packets.h"
 #include "link/port.h"
@@ -217,6 +218,9 @@ bool ValidVersion(bool read, bool initialise) {
             if (result) {
                 VerName = engine;
                 VerNumber = version;
+                // What the image holds is of another Power-FC until it is read or loaded anew.
+                BlockInForce.fill(false);
+                ClearHistory();
                 SetCaption("");
                 if (read && !ReadBlock(ExtraBlock, BlockLength[ExtraBlock], true))
                     return FailValidVersion(result);

@@ -280,8 +280,10 @@ LinkResult ReadPacketData(const ByteString& command, int expectedLength, ByteStr
 
 bool ReadBlock(int block, int length, bool show) {
     const ByteString command(1, static_cast<char>(block));
-    return ReadPacketData(command, length, ReadData[static_cast<std::size_t>(block)], show) ==
-           LinkResult::Success;
+    const auto at = static_cast<std::size_t>(block);
+    if (ReadPacketData(command, length, ReadData[at], show) != LinkResult::Success) return false;
+    BlockInForce[at] = true;
+    return true;
 }
 
 void ShowNotResponding(bool show) {

@@ -1,5 +1,6 @@
 #include "link/scan.h"
 
+#include "image/history.h"
 #include "image/image.h"
 #include "link/identify.h"
 #include "link/packets.h"
@@ -22,6 +23,8 @@ void mnuScan_Click() {
 void mnuScan_Code() {
     BusyPointer(true);
     ReadData.fill({});
+    BlockInForce.fill(false);
+    ClearHistory();
     bool complete = true;
     for (int b = 0; b < 256; ++b) {
         ByteString frame(1, static_cast<char>(b));

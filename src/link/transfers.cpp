@@ -1,24 +1,291 @@
 #include "link/transfers.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "image/accessors.h"
+#include "image/history.h"
 #include "image/image.h"
 #include "link/identify.h"
 #include "link/packets.h"
 #include "link/progress.h"
 #include "tuning/binding.h"
+#include "tuning/display.h"
 #include "tuning/mainform.h"
 #include "tuning/maps.h"
 #include "tuning/settings.h"
 #include "util/desktop.h"
+#include "util/diagnostics.h"
 #include "util/numbers.h"
 
 namespace zandrel {
 
 Control cmdReadAll, cmdWriteAll, cmdUpdate, optAutoUpdate;
+MenuItem mnuRead, mnuWrite, mnuInitAllData;
+std::int16_t PopupFrame = 0;
+std::string LastUpdate;
 
 namespace {
+
+constexpr int kUpdateDelayMs = 500;
+constexpr int kCellsWithoutWindow = 20;
+constexpr char kOtherVersion[] = "You can't Update to a different Power-FC version.";
+
+// Maps that begin at these blocks are never written as blocks.
+constexpr std::uint8_t kFamilyM = 0x52;
+constexpr std::uint8_t kFamilyO = 0x56;
+
+constexpr std::uint8_t kCellWriteM = 49;
+constexpr std::uint8_t kCellWriteO = 50;
+constexpr std::uint8_t kCellOutcome = 111;
+
+// What a build of family O is written by; any other block goes by its own code.
+struct WriteCommand {
+    std::uint8_t Block, Command;
+};
+constexpr WriteCommand kFamilyOCommands[] = {{0x5A, 0x33}, {0x5B, 0x34}, {0x5C, 0x35}, {0x5D, 0x36},
+                                             {0x5E, 0x39}, {0x5F, 0x3A}, {0x60, 0x3B}, {0x65, 0x4B}};
+
+constexpr std::uint8_t kSensorSelectWrite = 0x33;
+constexpr std::uint8_t kFunctionSelectWrite = 0x4B;
+constexpr int kSensorSelectLength = 107;
+
+std::size_t At(int index) {
+    return static_cast<std::size_t>(index);
+}
+
+ByteString Byte(int value) {
+    return ByteString(1, static_cast<char>(value & 255));
+}
+
+// Bytes of `rest` from byte `first`, counted from 1, on.
+ByteString From(const ByteString& rest, std::size_t first) {
+    return rest.size() < first ? ByteString() : rest.substr(first - 1);
+}
+
+bool Sent(ByteString packet, bool show) {
+    return ReadPacket(packet, show) == LinkResult::Success;
+}
+
+bool HasFullLength(int block) {
+    return ReadData[At(block)].size() >= BlockLength[At(block)];
+}
+
+bool TakesPart(int block) {
+    return BlockWrite[At(block)] && HasFullLength(block);
+}
+
+// Visible maps only: a map that this build lacks stands in the image, but not in the Power-FC.
+bool MapIsShown(int map) {
+    return SSTab1.TabVisible[At(map)];
+}
+
+int BlocksOf(int map) {
+    return MapCellSize[At(map)] * 4;
+}
+
+bool TakesWholeBlocks(int map) {
+    return MapFirstBlock[At(map)] != kFamilyO && MapFirstBlock[At(map)] != kFamilyM;
+}
+
+bool& CellChanged(int map, int row, int column) {
+    return MapCellChanged[At(map)][At(row)][At(column)];
+}
+
+template <class Visit>
+void ForEachCell(Visit visit) {
+    for (int row = 1; row <= kMapSide; ++row) {
+        for (int column = 1; column <= kMapSide; ++column) visit(row, column);
+    }
+}
+
+int CountChangedCells(int map) {
+    int count = 0;
+    ForEachCell([&](int row, int column) { count += CellChanged(map, row, column) ? 1 : 0; });
+    return count;
+}
+
+// All cells have been sent. What was edited while the user could is marked still, and so is its block.
+void MarkMapSent(int map) {
+    for (int k = 0; k < BlocksOf(map); ++k) BlockChanged[At(MapFirstBlock[At(map)] + k)] = false;
+    ForEachCell([map](int row, int column) {
+        if (CellChanged(map, row, column)) BlockChanged[At(PlaceOfCell(map, row, column).Block)] = true;
+    });
+}
+
+// Sends one cell. The block before a map is that map's cell-write command; the families without one have a
+// command of their own and are asked for the outcome.
+bool SendCell(int map, int row, int column) {
+    const int first = MapFirstBlock[At(map)];
+    const int n = row + kMapSide * column - (kMapSide + 1);
+    const int v = GetCell(map, row, column, false);
+    const ByteString place = Byte(n % 256) + Byte(n / 256);
+    if (!TakesWholeBlocks(map)) {
+        const int command = first == kFamilyM ? kCellWriteM : kCellWriteO;
+        if (WritePacket(Byte(command) + place + Byte(v)) != 0) {
+            ShowNotResponding(true);
+            return false;
+        }
+        return Sent(Byte(kCellOutcome), true);
+    }
+    ByteString packet = Byte(first - 1) + place + Byte(v);
+    if (MapCellSize[At(map)] == 2) packet += Byte(v / 256);
+    return Sent(packet, true);
+}
+
+// A select block reads back as it was sent when it was taken; the older builds take it by a second command.
+// False: it did not arrive.
+bool WriteSelect(const ByteString& packet, const ByteString& rest, std::uint8_t second, int length,
+                 const char* error) {
+    const ByteString own = packet.substr(0, 1);
+    for (const ByteString& command : {own, Byte(second)}) {
+        if (!Sent(command + rest, true)) return false;
+        ByteString frame = own;
+        if (ReadPacket(frame, true) != LinkResult::Success) return false;
+        const ByteString present = frame.substr(0, 1) + frame.substr(2, At(length));
+        if (present == packet.substr(0, At(length) + 1)) return true;
+    }
+    MessageBox(error, Box::Critical);
+    return false;
+}
+
+// Writes a settings block. False: the link failed. `arrived` says whether the Power-FC has taken it.
+bool WriteBlock(int block, bool& arrived) {
+    bool failed = false;
+    const ByteString data = ReadData[At(block)].substr(0, BlockLength[At(block)]);
+    const bool sent = Sent(PrepareBlockWrite(Byte(block) + data, failed), true);
+    arrived = sent && !failed;
+    if (arrived) BlockChanged[At(block)] = false;
+    return sent;
+}
+
+// The image holds blocks of more than one Power-FC after another was connected and only a part of it read.
+// Nothing of the other one is written.
+bool AllInForce(int first, int count) {
+    return std::all_of(BlockInForce.begin() + first, BlockInForce.begin() + first + count,
+                       [](bool inForce) { return inForce; });
+}
+
+bool ChangesAreInForce() {
+    for (int map = 0; map < kMapTabs; ++map) {
+        for (int k = 0; MapIsShown(map) && k < BlocksOf(map); ++k) {
+            const int block = MapFirstBlock[At(map)] + k;
+            if (BlockChanged[At(block)] && !BlockInForce[At(block)]) return false;
+        }
+    }
+    for (int b = 0; b < 256; ++b) {
+        if (BlockChanged[At(b)] && TakesPart(b) && !BlockInForce[At(b)]) return false;
+    }
+    return true;
+}
+
+void RefuseWrite() {
+    MessageBox(std::string("First Read All, make changes, then WriteAll.\n") + kOtherVersion, Box::Critical);
+}
+
+void RefuseUpdate() {
+    MessageBox(std::string("First Read All, make changes, then Update.\n") + kOtherVersion, Box::Critical);
+    DebugLog("Update different version error");
+}
+
+// Sends the changed blocks of a map. False: the Power-FC does not take them, or not so.
+bool UpdateMapBlocks(int map) {
+    if (!TakesWholeBlocks(map)) return false;
+    for (int k = 0; k < BlocksOf(map); ++k) {
+        const int block = MapFirstBlock[At(map)] + k;
+        if (!BlockChanged[At(block)]) continue;
+        if (!Sent(Byte(block) + ReadData[At(block)], false)) {
+            DebugLog("Update: Map write failed - try cell by cell");
+            return false;
+        }
+        BlockChanged[At(block)] = false;
+    }
+    MapCellChanged[At(map)] = {};
+    return true;
+}
+
+// Sends the changed cells of a map one by one. False: the link failed, or the user cancelled.
+bool UpdateMapCells(int map) {
+    const int count = CountChangedCells(map);
+    if (count > kCellsWithoutWindow) ShowProgress(Progress2, "Updating " + SSTab1.TabCaption[At(map)]);
+    int sent = 0;
+    for (int row = 1; row <= kMapSide; ++row) {
+        for (int column = 1; column <= kMapSide; ++column) {
+            if (!CellChanged(map, row, column)) continue;
+            if (!SendCell(map, row, column)) return false;
+            CellChanged(map, row, column) = false;
+            if (!Progress2.Visible) continue;
+            Progress2.Bar = 100.0 * ++sent / count;
+            Yield();  // the user may have cancelled, edited or closed
+            if (Progress2.Cancelled) return false;
+        }
+    }
+    MarkMapSent(map);
+    return true;
+}
+
+bool UpdateMaps() {
+    for (int map = 0; map < kMapTabs; ++map) {
+        if (!MapIsShown(map)) continue;
+        if (UpdateMapBlocks(map)) {
+            MarkMapSent(map);
+        } else if (!UpdateMapCells(map)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// False: the link failed. `all` says whether every block has arrived.
+bool UpdateBlocks(bool& all) {
+    all = true;
+    for (int b = 0; b < 256; ++b) {
+        if (!BlockChanged[At(b)] || !TakesPart(b)) continue;
+        bool arrived = false;
+        if (!WriteBlock(b, arrived)) {
+            MessageBox("Update error", Box::Critical);
+            return false;
+        }
+        all = all && arrived;
+    }
+    return true;
+}
+
+// All maps, then all settings. False: one failed, the user was told. `all` says whether nothing is left.
+bool WriteEverything(bool& all) {
+    for (int map = 0; map < kMapTabs; ++map) {
+        if (!MapIsShown(map)) continue;
+        bool failed = false;
+        WriteMap(map, failed);
+        if (failed || CloseAsked) return false;
+    }
+    all = true;
+    for (int b = 0; b < 256; ++b) {
+        if (!TakesPart(b) || !BlockInForce[At(b)]) continue;
+        bool arrived = false;
+        if (!WriteBlock(b, arrived)) {
+            MessageBox("Write All Error " + Hex(static_cast<std::uint32_t>(b)), Box::Critical);
+            return false;
+        }
+        all = all && arrived;
+    }
+    for (int map = 0; map < kMapTabs; ++map) {
+        // A map whose writing was cancelled waits to be gone on with.
+        for (int k = 0; MapIsShown(map) && k < BlocksOf(map); ++k) {
+            all = all && !BlockChanged[At(MapFirstBlock[At(map)] + k)];
+        }
+    }
+    return true;
+}
+
+std::vector<int> BlocksOfFrame(int frame) {
+    std::vector<int> blocks;
+    for (const std::string& entry : Split(FraSettings[frame].Tag, ',')) {
+        const auto block = StrictWhole(entry);
+        if (block && *block >= 0 && *block <= 255) blocks.push_back(*block);
+    }
+    return blocks;
+}
 
 // Two blocks prove writable only by being read.
 void EnableIfRead(int frame, std::size_t block) {
@@ -29,11 +296,13 @@ void EnableIfRead(int frame, std::size_t block) {
 
 // Reads every block of the build. False: one failed, the user was told, the image is as it was before.
 bool ReadAllBlocks(const std::array<ByteString, 256>& before) {
+    const auto inForce = BlockInForce;
     for (int b = 0; b < 256; ++b) {
         const auto at = static_cast<std::size_t>(b);
         if (!BlockRead[at] || ReadBlock(b, BlockLength[at], true)) continue;
         MessageBox("Read All Error " + Hex(static_cast<std::uint32_t>(b)), Box::Critical);
         ReadData = before;
+        BlockInForce = inForce;
         return false;
     }
     return true;
@@ -46,6 +315,11 @@ void LoadTransfersDesign() {
     cmdWriteAll = {.Caption = "Write All", .Enabled = false};
     cmdUpdate = {.Caption = "Update", .Enabled = false};
     optAutoUpdate = {.Caption = "Auto Update"};
+    mnuRead = {.Caption = "Read"};
+    mnuWrite = {.Caption = "Write"};
+    mnuInitAllData = {.Caption = "&Initialise All Data"};
+    PopupFrame = 0;
+    LastUpdate.clear();
     AfterEdit = UpdateEnable;
 }
 
@@ -63,6 +337,8 @@ void cmdReadAll_Click() {
         EnableIfRead(1470, 0x99);
         EnableIfRead(460, 0x97);
         BlockChanged.fill(false);
+        MapCellChanged = {};
+        ClearHistory();
         cmdUpdate.Enabled = false;
         cmdWriteAll.Enabled = true;
         SetCaption("Unsaved Data");
@@ -74,24 +350,213 @@ void cmdReadAll_Click() {
 }
 
 bool ReadMap(int map) {
-    const auto at = static_cast<std::size_t>(map);
-    for (int k = 0; k < MapCellSize[at] * 4; ++k) {
-        if (!ReadBlock(MapFirstBlock[at] + k, 100, true)) return true;
+    // What was edited before is no way back from what is read now.
+    ClearHistory();
+    for (int k = 0; k < BlocksOf(map); ++k) {
+        const int block = MapFirstBlock[At(map)] + k;
+        if (!ReadBlock(block, 100, true)) return true;
+        BlockChanged[At(block)] = false;
     }
+    MapCellChanged[At(map)] = {};
     return false;
 }
 
 void cmdReadMap_Click(int map) {
     if (LongOperationRuns()) return;
     const LongOperation running;
-    Control& button = cmdReadMap[static_cast<std::size_t>(map)];
-    button.Enabled = false;
+    cmdReadMap[At(map)].Enabled = false;
     // Another Power-FC than before may have no such map.
-    if (ValidVersion(true, true) && SSTab1.TabVisible[static_cast<std::size_t>(map)]) {
-        static_cast<void>(ReadMap(map));
+    if (ValidVersion(true, true) && MapIsShown(map)) {
+        const bool failed = ReadMap(map);
+        if (!failed) RefreshUpdateButton();
     }
     DisplayMap(map, true);
-    button.Enabled = true;
+    cmdReadMap[At(map)].Enabled = true;
+}
+
+void WriteMap(int map, bool& failed) {
+    failed = false;
+    const int first = MapFirstBlock[At(map)];
+    if (TakesWholeBlocks(map)) {
+        int k = 0;
+        for (; k < BlocksOf(map) && Sent(Byte(first + k) + ReadData[At(first + k)], false); ++k) {
+            BlockChanged[At(first + k)] = false;
+        }
+        if (k == BlocksOf(map)) {
+            MapCellChanged[At(map)] = {};
+            return;
+        }
+    }
+    // A Power-FC that refuses a whole map block still takes its cells one by one.
+    ShowProgress(Progress2, "Writing " + SSTab1.TabCaption[At(map)]);
+    for (int row = 1; row <= kMapSide; ++row) {
+        Progress2.Bar = row * 5;
+        Yield();  // the user may cancel, edit or close
+        for (int column = 1; column <= kMapSide; ++column) {
+            if (!SendCell(map, row, column)) {
+                HideProgress(Progress2);
+                MessageBox("Error Writing Map", Box::Critical);
+                failed = true;
+                return;
+            }
+            CellChanged(map, row, column) = false;
+            if (Progress2.Cancelled) {
+                HideProgress(Progress2);
+                return;
+            }
+        }
+    }
+    MarkMapSent(map);
+    HideProgress(Progress2);
+    Yield();  // the window goes
+}
+
+void cmdWriteMap_Click(int map) {
+    if (LongOperationRuns()) return;
+    const LongOperation running;
+    cmdWriteMap[At(map)].Enabled = false;
+    if (ValidVersion(true, true) && MapIsShown(map)) {
+        bool failed = false;
+        if (AllInForce(MapFirstBlock[At(map)], BlocksOf(map))) {
+            WriteMap(map, failed);
+        } else {
+            RefuseWrite();
+        }
+    }
+    RefreshUpdateButton();
+    cmdWriteMap[At(map)].Enabled = true;
+}
+
+ByteString PrepareBlockWrite(const ByteString& packet, bool& failed) {
+    failed = false;
+    const ByteString own = packet.substr(0, 1);
+    const int code = static_cast<std::uint8_t>(packet[0]);
+    ByteString rest = packet.substr(1);
+    // Behind the choice itself stand the sensors' names, which are not writable.
+    if (code == SensorSelectBlock) rest = rest.substr(0, 1) + From(rest, 92);
+    if (code == FunctionSelectBlock) rest = rest.substr(0, BlockLength[At(code)] == 136 ? 8 : 5);
+    if (MapFirstBlock[0] == kFamilyO) {
+        if (code == 0x5C) rest = rest.substr(0, 5) + From(rest, 10);
+        int command = code;
+        for (const WriteCommand& row : kFamilyOCommands) {
+            if (row.Block == code) command = row.Command;
+        }
+        failed = !Sent(Byte(command) + rest, true);
+        return own;
+    }
+    if (code == SensorSelectBlock) {
+        failed =
+            !WriteSelect(packet, rest, kSensorSelectWrite, kSensorSelectLength, "Airflow/PIM Write Error");
+        return own;
+    }
+    if (code == FunctionSelectBlock) {
+        failed = !WriteSelect(packet, rest, kFunctionSelectWrite, BlockLength[At(code)],
+                              "Function Select Write Error");
+        return own;
+    }
+    return own + rest;
+}
+
+void cmdWriteAll_Click() {
+    if (LongOperationRuns()) return;
+    const LongOperation running;
+    if (!ValidVersion(true, false)) return;
+    if (!cmdWriteAll.Enabled) {
+        RefuseWrite();
+        return;
+    }
+    cmdWriteAll.Enabled = false;
+    BusyPointer(true);
+    bool all = false;
+    if (WriteEverything(all)) cmdUpdate.Enabled = !all;
+    cmdWriteAll.Enabled = true;
+    BusyPointer(false);
+}
+
+void cmdUpdate_Click() {
+    if (LongOperationRuns()) return;
+    const LongOperation running;
+    StopTimer(Timer::Update);
+    bool all = false;
+    bool sent = false;
+    if (ValidVersion(true, false)) {
+        if (!cmdUpdate.Enabled || !ChangesAreInForce()) {
+            cmdUpdate.Enabled = false;
+            RefuseUpdate();
+            return;
+        }
+        cmdUpdate.Enabled = false;
+        BusyPointer(true);
+        sent = UpdateMaps();
+        if (sent) {
+            HideProgress(Progress2);
+            Yield();  // the window goes; what is edited now is sent with the rest
+            sent = UpdateBlocks(all);
+        }
+    }
+    HideProgress(Progress2);
+    BusyPointer(false);
+    // What was not sent can be sent later.
+    if (!sent || !all) cmdUpdate.Enabled = true;
+    if (sent && all) LastUpdate = Desktop.TimeOfDay();
+}
+
+void optAutoUpdate_Click() {
+    if (optAutoUpdate.Value != 0) UpdateEnable();
+}
+
+void TimerUpdate_Timer() {
+    StopTimer(Timer::Update);
+    if (LongOperationRuns()) {
+        StartTimer(Timer::Update, kUpdateDelayMs, TimerUpdate_Timer);
+    } else if (cmdUpdate.Enabled) {
+        cmdUpdate_Click();
+    }
+}
+
+void mnuRead_Click() {
+    if (LongOperationRuns()) return;
+    const LongOperation running;
+    if (!ValidVersion(true, false)) return;
+    ClearHistory();
+    for (const int block : BlocksOfFrame(PopupFrame)) {
+        if (!ReadBlock(block, BlockLength[At(block)], true)) return;
+        BlockChanged[At(block)] = false;
+    }
+    RefreshUpdateButton();
+    DisplayAllData();
+}
+
+void mnuWrite_Click() {
+    if (LongOperationRuns()) return;
+    const LongOperation running;
+    if (!ValidVersion(true, false)) return;
+    const std::vector<int> blocks = BlocksOfFrame(PopupFrame);
+    for (const int block : blocks) {
+        if (BlockLength[At(block)] > 0 && !BlockInForce[At(block)]) {
+            RefuseWrite();
+            return;
+        }
+    }
+    for (const int block : blocks) {
+        bool arrived = false;
+        if (!WriteBlock(block, arrived)) {
+            MessageBox("Write failed.", Box::Critical);
+            return;
+        }
+        RefreshUpdateButton();
+    }
+}
+
+void mnuInitAllData_Click() {
+    if (LongOperationRuns()) return;
+    const LongOperation running;
+    if (!ValidVersion(true, true)) return;
+    if (MessageBox("This will Initialise all Power-FC data. Are you Sure?", Box::YesNo) != Answer::Yes)
+        return;
+    if (!Sent(ByteString("\xF6\x00", 2), true)) return;
+    MessageBox("You must now Reset the Power-FC for the\nInitialisation to complete. (Key-Off, Key-On.)",
+               Box::Information);
 }
 
 void RefreshUpdateButton() {
@@ -101,6 +566,16 @@ void RefreshUpdateButton() {
 
 void UpdateEnable() {
     cmdUpdate.Enabled = true;
+    if (optAutoUpdate.Value == 0) return;
+    StopTimer(Timer::Update);
+    StartTimer(Timer::Update, kUpdateDelayMs, TimerUpdate_Timer);
+}
+
+Unsent CountUnsent() {
+    Unsent unsent;
+    for (const bool changed : BlockChanged) unsent.Blocks += changed ? 1 : 0;
+    for (int map = 0; map < kMapTabs; ++map) unsent.Cells += CountChangedCells(map);
+    return unsent;
 }
 
 }  // namespace zandrel

@@ -9,6 +9,7 @@
 #include "shell/settingsstore.h"
 #include "tuning/display.h"
 #include "tuning/mainform.h"
+#include "tuning/mapediting.h"
 #include "tuning/maps.h"
 #include "tuning/settings.h"
 #include "util/diagnostics.h"
@@ -139,6 +140,7 @@ void SaveWindow() {
 void LoadDesign() {
     LoadSettingsDesign();
     LoadMapsDesign();
+    LoadMapEditingDesign();
     LoadTransfersDesign();
     RefreshMapRefLabels();
     MainFormState = {};

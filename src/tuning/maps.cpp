@@ -6,6 +6,7 @@
 
 #include "image/accessors.h"
 #include "tuning/display.h"
+#include "util/desktop.h"
 #include "util/numbers.h"
 #include "util/text.h"
 
@@ -24,6 +25,7 @@ double StoichAF = 14.7;
 std::int16_t MapColourScheme = 1;
 std::array<int, kMapTabs> CompareMapIndex = {6, 6, 6, 6, 6, 6};
 MenuItem mnuCompare;
+MenuItem mnuSetupInjMapStoich;
 MenuItem mnuMapRefLabels;
 std::array<MenuItem, 3> mnuInjMapDisplay;
 std::array<MenuItem, 4> mnuBaseMapDisplay;
@@ -78,6 +80,20 @@ std::optional<double> ScaleByInjectors(double v) {
     return *share * v / 100 / 2;
 }
 
+// The way back. A division by zero shows in the result.
+std::optional<double> UndoInjectors(double u) {
+    if (FraSettings[1500].Visible) {
+        const auto share = NumberIn(1500);
+        const auto primary = NumberIn(1502);
+        const auto secondary = NumberIn(1503);
+        if (!share || !primary || !secondary) return std::nullopt;
+        return u * (*primary + *secondary) / *primary / *share * 100;
+    }
+    const auto share = NumberIn(500);
+    if (!share) return std::nullopt;
+    return u / *share * 100 * 2;
+}
+
 double Shown(int map, int raw) {
     return raw * double{MapScale[At(map)]} + double{MapOffset[At(map)]};
 }
@@ -116,6 +132,35 @@ std::optional<double> CellValue(int map, int row, int column, bool useCompare) {
         return (GetCell(map - 1, row, column, useCompare) - raw) * double{MapScale[At(map)]};
     }
     return Shown(map, raw);
+}
+
+std::optional<double> RawOfInjection(int map, double t) {
+    const double s = MapScale[At(map)];
+    const double o = MapOffset[At(map)];
+    switch (InjMapDisplay) {
+        case 0:
+            return (t - o) / s;
+        case 1:
+        case 2:
+            if (t == 0) return double{MapMax[At(map)]};
+            return ((InjMapDisplay == 1 ? 1 : StoichAF) / t - o) / s;
+        default:
+            return std::nullopt;
+    }
+}
+
+std::optional<double> RawOfBase(int map, double t, int row, int column) {
+    const double s = MapScale[At(map)];
+    const double o = MapOffset[At(map)];
+    if (BaseMapDisplay == 0) return (t - o) / s;
+    if (BaseMapDisplay < 0 || BaseMapDisplay > 3) return std::nullopt;
+    const double a = Shown(InjMapIndex, GetCell(InjMapIndex, row, column, false));
+    if (BaseMapDisplay == 1) return (t - o) / s / a;
+    const auto revolution = RevolutionMs(map, column);
+    if (!revolution) return std::nullopt;
+    const auto u = UndoInjectors(BaseMapDisplay == 2 ? *revolution - t : t * *revolution / 100);
+    if (!u) return std::nullopt;
+    return (*u - o) / s / a;
 }
 
 std::uint32_t HighIsGreen(int b) {
@@ -186,6 +231,7 @@ void LoadMapsDesign() {
     MapBaseTable.fill(0);
     MapRefRpm = {};
     mnuCompare = {.Caption = "Compare"};
+    mnuSetupInjMapStoich = {.Caption = "Stoich 14.70"};
     mnuMapRefLabels = {.Caption = "MapRef &Labels"};
     mnuInjMapDisplay = {MenuItem{"Correction"}, MenuItem{"Lambda"}, MenuItem{"AF ratio"}};
     mnuBaseMapDisplay = {MenuItem{"Base (msec)"}, MenuItem{"Base x INJ"}, MenuItem{"Head room (msec)"},
@@ -225,6 +271,23 @@ bool MapCellText(int map, int row, int column, double& previous, bool useCompare
     return true;
 }
 
+bool MapTextToRaw(int map, std::string_view text, int row, int col, std::int32_t& raw) {
+    const auto t = StrictNumber(text);
+    if (!t) return false;
+    std::optional<double> x;
+    if (map == InjMapIndex) {
+        x = RawOfInjection(map, *t);
+    } else if (map >= BaseMapIndex) {
+        x = RawOfBase(map, *t, row, col);
+    } else {
+        x = (*t - double{MapOffset[At(map)]}) / double{MapScale[At(map)]};
+    }
+    if (!x || !std::isfinite(*x)) return false;
+    raw = static_cast<std::int32_t>(
+        RoundEven(std::clamp(*x, double{MapMin[At(map)]}, double{MapMax[At(map)]})));
+    return true;
+}
+
 std::string GridCellText(int map, int row, int column) {
     double previous = 0;
     std::string text;
@@ -236,16 +299,43 @@ std::string GridCellText(int map, int row, int column) {
 }
 
 std::uint32_t GridCellColourSet(int map, int row, int column) {
-    if (mnuCompare.Checked) {
-        if (CompareMapIndex[At(map)] >= kNoPartner) return kGrey;
-        return SafeNumber(GridCellText(map, row, column)) != 0 ? kRed : 0;
+    std::uint32_t& colour = Grid[At(map)].CellBackColor[At(row)][At(column)];
+    if (mnuCompare.Checked && CompareMapIndex[At(map)] >= kNoPartner) {
+        colour = kGrey;
+    } else if (mnuCompare.Checked) {
+        colour = SafeNumber(Grid[At(map)].TextMatrix[At(row)][At(column)]) != 0 ? kRed : 0;
+    } else if (MapColourScheme == 0) {
+        colour = 0;
+    } else if (MapColourScheme == 1) {
+        colour = RedToGreen(map, row, column);
     }
-    return MapColourScheme == 1 ? RedToGreen(map, row, column) : 0;
+    return colour;
 }
 
-void DisplayMap(int map, bool) {
-    // Texts and colours are both asked for when a cell is painted.
-    ++Grid[At(map)].Revision;
+void DisplayMap(int map, bool withColour) {
+    MapGrid& grid = Grid[At(map)];
+    GridSelection selection;
+    if (withColour) SaveGridSelection(map, selection);
+    for (int row = 1; row <= kMapSide; ++row) {
+        for (int column = 1; column <= kMapSide; ++column) {
+            grid.TextMatrix[At(row)][At(column)] = GridCellText(map, row, column);
+            if (withColour) GridCellColourSet(map, row, column);
+        }
+    }
+    if (withColour) RestoreGridSelection(map, selection);
+    ++grid.Revision;
+}
+
+void SaveGridSelection(int map, GridSelection& selection) {
+    selection = Grid[At(map)].Selection;
+    Grid[At(map)].Redraw = false;
+}
+
+void RestoreGridSelection(int map, const GridSelection& selection) {
+    MapGrid& grid = Grid[At(map)];
+    grid.Selection = selection;
+    grid.Redraw = true;
+    ++grid.Revision;
 }
 
 void DisplayAllMaps() {
@@ -300,6 +390,25 @@ void mnuSetupMapColourScheme_Click(int index) {
 void mnuMapRefLabels_Click() {
     mnuMapRefLabels.Checked = !mnuMapRefLabels.Checked;
     RefreshMapRefLabels();
+}
+
+void mnuSetupInjMap_Click() {
+    mnuSetupInjMapStoich.Caption = tr("Stoich") + " " + FormatNumber(StoichAF, "0.00");
+}
+
+void mnuSetupInjMapStoich_Click() {
+    constexpr const char* kPicture = "0.00";
+    EnterNumber(
+        {"Enter Stoichiometric AF", kPicture, FormatNumber(StoichAF, kPicture)}, [](const std::string& text) {
+            const double ratio = SafeNumber(text);
+            if (ratio < 10 || ratio > 30) {
+                MessageBox(
+                    "Stoich should not be less than 10 or greater than 30. Stoich will not be changed.",
+                    Box::Exclamation);
+                return;
+            }
+            StoichAF = ratio;
+        });
 }
 
 void comMapType_Click(int map) {

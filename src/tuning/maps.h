@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "image/image.h"
 #include "tuning/settings.h"
@@ -13,8 +14,18 @@
 
 namespace zandrel {
 
-/// A map grid of 21 by 21: row 0 and column 0 carry labels. The cells' texts and colours are asked for
-/// when they are painted; `Revision` grows whenever the cells have to be painted anew.
+/// A rectangle of cells: where it began and where it was drawn to, which may lie left of or above it.
+struct GridSelection {
+    int Row = 1, Col = 1, RowSel = 1, ColSel = 1;
+    bool operator==(const GridSelection&) const = default;
+};
+
+/// Value for each row 0 to 20 and column 0 to 20; row 0 and column 0 are not used.
+template <class T>
+using CellTable = std::array<std::array<T, kMapSide + 1>, kMapSide + 1>;
+
+/// A map grid of 21 by 21: row 0 and column 0 carry labels. Its cells keep the text and colour that they
+/// were given last; `Revision` grows whenever some of them have to be painted anew.
 struct MapGrid {
     std::string Tag;  // map descriptor
     std::string FormatString;
@@ -23,6 +34,10 @@ struct MapGrid {
     std::array<int, kMapSide + 1> ColAlignment{};      // 1 left, 7 right
     std::array<float, kMapSide + 1> ColWidth{};        // same unit as Width
     float Width = 0;
+    CellTable<std::string> TextMatrix;
+    CellTable<std::uint32_t> CellBackColor{};  // red in the low byte; 0 = the default colour
+    GridSelection Selection;
+    bool Redraw = true;  // false: what changes is painted together later
     unsigned Revision = 0;
 };
 
@@ -48,6 +63,7 @@ extern std::int16_t MapColourScheme;  // 0 none, 1 red to green
 extern std::array<int, kMapTabs> CompareMapIndex;
 
 extern MenuItem mnuCompare;
+extern MenuItem mnuSetupInjMapStoich;
 extern MenuItem mnuMapRefLabels;
 extern std::array<MenuItem, 3> mnuInjMapDisplay;
 extern std::array<MenuItem, 4> mnuBaseMapDisplay;
@@ -68,15 +84,24 @@ void TakeMapTag(int map);
 /// no value (an axis of 0 rpm, an injector setting that is not known); `text` is empty then.
 bool MapCellText(int map, int row, int column, double& previous, bool useCompare, std::string& text);
 
-/// Text that the grid shows in a cell: the value, or in compare mode the difference.
+/// Raw value of `text` in the present display mode: the inverse of `MapCellText`, limited to `MapMin` and
+/// `MapMax`, rounded to the nearest whole number, ties to even. `row` and `col` say which cell's speed and
+/// injection value count. False: the text is no number, or none can be worked out; `raw` stays.
+bool MapTextToRaw(int map, std::string_view text, int row, int col, std::int32_t& raw);
+
+/// Text of a cell as it is now: the value, or in compare mode the difference.
 std::string GridCellText(int map, int row, int column);
 
-/// Back colour of a cell, red in the low byte; 0 = the default colour.
+/// Gives a cell the colour of its value, and returns it. A colour scheme that is unknown leaves it.
 std::uint32_t GridCellColourSet(int map, int row, int column);
 
-/// Has the grid of a map painted anew, with or without its colours.
+/// Fills the grid of a map anew, with or without its colours.
 void DisplayMap(int map, bool withColour);
 void DisplayAllMaps();
+
+/// Saving holds painting back, restoring releases it.
+void SaveGridSelection(int map, GridSelection& selection);
+void RestoreGridSelection(int map, const GridSelection& selection);
 
 /// Reads `MapRefRpm` from the axis blocks.
 void ReloadMapRefTables();
@@ -88,6 +113,13 @@ void mnuInjMapDisplay_Click(int index);
 void mnuBaseMapDisplay_Click(int index);
 void mnuSetupMapColourScheme_Click(int index);
 void mnuMapRefLabels_Click();
+
+/// The menu of the injection map opens: the ratio stands in its item.
+void mnuSetupInjMap_Click();
+
+/// Asks for the stoichiometric ratio. What the grids show follows at their next display.
+void mnuSetupInjMapStoich_Click();
+
 void comMapType_Click(int map);
 void chkSplit_Click(int map);
 

@@ -1,6 +1,10 @@
 #include "util/desktop.h"
 
 #include <chrono>
+#include <ctime>
+#include <utility>
+
+#include "util/numbers.h"
 
 namespace zandrel {
 
@@ -20,6 +24,17 @@ DesktopDoor ClosedDesktop() {
     door.BusyPointer = [](bool) {};
     door.ChooseFileToSave = [](const std::string&) { return std::string(); };
     door.SetClipboard = [](const std::string&) {};
+    door.GetClipboard = [] { return std::string(); };
+    door.EnterNumber = [](const NumberEntry&, const std::function<void(const std::string&)>&) {};
+    door.StartTimer = [](Timer, int, const std::function<void()>&) {};
+    door.StopTimer = [](Timer) {};
+    door.TimeOfDay = [] {
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        localtime_r(&now, &local);
+        char text[16];
+        return std::string(text, std::strftime(text, sizeof text, "%H:%M:%S", &local));
+    };
     return door;
 }
 
@@ -37,6 +52,22 @@ Answer MessageBox(const std::string& text, Box box) {
 
 void BusyPointer(bool busy) {
     Desktop.BusyPointer(busy);
+}
+
+void EnterNumber(const NumberEntry& entry, std::function<void(const std::string& text)> done) {
+    Desktop.EnterNumber(entry, std::move(done));
+}
+
+std::string NumberEntryText(const std::string& text, const std::string& format) {
+    return FormatNumber(SafeNumber(WithDecimalPoint(text)), format);
+}
+
+void StartTimer(Timer timer, int milliseconds, std::function<void()> fire) {
+    Desktop.StartTimer(timer, milliseconds, std::move(fire));
+}
+
+void StopTimer(Timer timer) {
+    Desktop.StopTimer(timer);
 }
 
 }  // namespace zandrel

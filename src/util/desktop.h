@@ -23,6 +23,14 @@ enum class Box : int {
 /// The button that closed a message box.
 enum class Answer : int { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 
+/// What the one-number dialog asks: its caption, the picture of its number ("0.00"), the number as it opens.
+struct NumberEntry {
+    std::string Caption, Format, Text;
+};
+
+/// The timers of the program.
+enum class Timer { Update, Count };
+
 struct DesktopDoor {
     std::function<std::uint32_t()> TickCount;                            // milliseconds, monotonic
     std::function<void()> Yield;                                         // a turn of the event loop
@@ -30,6 +38,12 @@ struct DesktopDoor {
     std::function<void(bool busy)> BusyPointer;
     std::function<std::string(const std::string& proposed)> ChooseFileToSave;  // empty = cancelled
     std::function<void(const std::string& text)> SetClipboard;
+    std::function<std::string()> GetClipboard;
+    std::function<void(const NumberEntry& entry, std::function<void(const std::string& text)> done)>
+        EnterNumber;
+    std::function<void(Timer timer, int milliseconds, std::function<void()> fire)> StartTimer;
+    std::function<void(Timer timer)> StopTimer;
+    std::function<std::string()> TimeOfDay;  // local, "14:03:22"
 };
 
 /// The open door. Written at start and by tests, nobody else.
@@ -49,5 +63,16 @@ void Yield();
 Answer MessageBox(const std::string& text, Box box);
 
 void BusyPointer(bool busy);
+
+/// Opens the one-number dialog and goes on; `done` gets the number after OK, in the entry's picture. After
+/// Cancel it does not run.
+void EnterNumber(const NumberEntry& entry, std::function<void(const std::string& text)> done);
+
+/// The number of `text` in the picture `format`, as the one-number dialog shows it; no number counts as 0.
+std::string NumberEntryText(const std::string& text, const std::string& format);
+
+/// Runs `fire` once after so many milliseconds, counted anew if it runs already.
+void StartTimer(Timer timer, int milliseconds, std::function<void()> fire);
+void StopTimer(Timer timer);
 
 }  // namespace zandrel

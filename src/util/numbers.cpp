@@ -74,10 +74,23 @@ std::optional<std::int32_t> StrictWhole(std::string_view text) {
 }
 
 double LenientNumber(std::string_view text) {
+    return LeadingNumber(text).value_or(0);
+}
+
+std::optional<double> LeadingNumber(std::string_view text) {
     while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
     double value = 0;
-    if (TakeNumber(text, value) == 0 || !std::isfinite(value)) return 0;
+    if (TakeNumber(text, value) == 0) return 0;
+    if (!std::isfinite(value)) return std::nullopt;
     return value;
+}
+
+std::string WithDecimalPoint(std::string_view text) {
+    const auto comma = text.find(',');
+    if (comma == text.npos || StrictNumber(text)) return std::string(text);
+    std::string pointed(text);
+    pointed[comma] = '.';
+    return StrictNumber(pointed) ? pointed : std::string(text);
 }
 
 double RoundEven(double value) {

@@ -19,6 +19,13 @@ std::optional<std::int32_t> StrictWhole(std::string_view text);
 /// The number that `text` begins with, decimal or `&H` hexadecimal, leading blanks skipped; 0 for none.
 double LenientNumber(std::string_view text);
 
+/// The number that `text` begins with, as `LenientNumber` reads it; no value where it is too large.
+std::optional<double> LeadingNumber(std::string_view text);
+
+/// `text` with its comma as a point, where it is no number as it stands and is one then: the decimal comma
+/// of a spreadsheet. Any other text as it stands.
+std::string WithDecimalPoint(std::string_view text);
+
 /// Nearest whole number, ties to even: 2.5 gives 2, 3.5 gives 4.
 double RoundEven(double value);
 

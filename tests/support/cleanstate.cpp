@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "image/accessors.h"
+#include "image/history.h"
 #include "image/image.h"
 #include "link/identify.h"
 #include "link/packets.h"
@@ -31,6 +32,8 @@ void CleanImage() {
     BlockLength.fill(0);
     ClearBlockFlags();
     BlockChanged.fill(false);
+    BlockInForce.fill(false);
+    ClearHistory();
     DataChanged = false;
     MapCompare = {};
     MapCellChanged = {};
