@@ -10,41 +10,53 @@
 #include "link/scan.h"
 #include "link/transfers.h"
 #include "shell/windows/shown.h"
+#include "tuning/binding.h"
+#include "tuning/mapediting.h"
 #include "tuning/maps.h"
 
 namespace zandrel {
 namespace {
 
-constexpr char kNoSending[] = "Sending to the Power-FC is not part of this version.";
 constexpr char kNoCurves[] = "Editing curves is not part of this version.";
-constexpr char kNoEditing[] = "Editing is not part of this version.";
+constexpr char kNoNotes[] = "Editing notes is not part of this version.";
 
 // clang-format off
 constexpr Command kCommands[] = {
-    {"cmdReadAll",              [](int) { cmdReadAll_Click(); },      ""},
-    {"cmdWriteAll",             nullptr,                              kNoSending},
-    {"cmdUpdate",               nullptr,                              kNoSending},
-    {"optAutoUpdate",           nullptr,                              kNoSending},
-    {"cmdReadMap",              cmdReadMap_Click,                     ""},
-    {"cmdWriteMap",             nullptr,                              kNoSending},
-    {"cmdEditCurve",            nullptr,                              kNoCurves},
-    {"txtSetting",              nullptr,                              kNoEditing},
-    {"chkSetting",              nullptr,                              kNoEditing},
-    {"chkSettingBit",           nullptr,                              kNoEditing},
-    {"optSetting",              nullptr,                              kNoEditing},
-    {"Text1",                   nullptr,                              "Editing the tuner string is not part of this version."},
-    {"txtNotes",                nullptr,                              kNoEditing},
-    {"comMapType",              comMapType_Click,                     ""},
-    {"chkSplit",                chkSplit_Click,                       ""},
-    {"mnuScan",                 [](int) { mnuScan_Click(); },         ""},
-    {"mnuCom",                  mnuCom_Click,                         ""},
-    {"mnuComAuto",              [](int) { ComAutoDetect(); },         ""},
-    {"mnuComShowAll",           [](int) { mnuComShowAll_Click(); },   ""},
-    {"mnuSetupCorvaneVer",      mnuSetupCorvaneVer_Click,             ""},
-    {"mnuMapRefLabels",         [](int) { mnuMapRefLabels_Click(); }, ""},
-    {"mnuSetupMapColourScheme", mnuSetupMapColourScheme_Click,        ""},
-    {"mnuInjMapDisplay",        mnuInjMapDisplay_Click,               ""},
-    {"mnuBaseMapDisplay",       mnuBaseMapDisplay_Click,              ""},
+    {"cmdReadAll",              [](int) { cmdReadAll_Click(); },            ""},
+    {"cmdWriteAll",             [](int) { cmdWriteAll_Click(); },           ""},
+    {"cmdUpdate",               [](int) { cmdUpdate_Click(); },             ""},
+    {"optAutoUpdate",           [](int) { optAutoUpdate_Click(); },         ""},
+    {"cmdReadMap",              cmdReadMap_Click,                           ""},
+    {"cmdWriteMap",             cmdWriteMap_Click,                          ""},
+    {"cmdEditCurve",            nullptr,                                    kNoCurves},
+    {"txtSetting",              txtSetting_LostFocus,                       ""},
+    {"chkSetting",              chkSetting_Click,                           ""},
+    {"chkSettingBit",           chkSettingBit_Click,                        ""},
+    {"optSetting",              optSetting_Click,                           ""},
+    {"lblSetting",              lblSetting_Click,                           ""},
+    {"Text1",                   [](int) { Text1_LostFocus(); },             ""},
+    {"txtNotes",                nullptr,                                    kNoNotes},
+    {"comMapType",              comMapType_Click,                           ""},
+    {"chkSplit",                chkSplit_Click,                             ""},
+    {"mnuUndo",                 [](int) { mnuUndo_Click(); },               ""},
+    {"mnuRedo",                 [](int) { mnuRedo_Click(); },               ""},
+    {"mnuRead",                 [](int) { mnuRead_Click(); },               ""},
+    {"mnuWrite",                [](int) { mnuWrite_Click(); },              ""},
+    {"mnuInitAllData",          [](int) { mnuInitAllData_Click(); },        ""},
+    {"mnuScan",                 [](int) { mnuScan_Click(); },               ""},
+    {"mnuCom",                  mnuCom_Click,                               ""},
+    {"mnuComAuto",              [](int) { ComAutoDetect(); },               ""},
+    {"mnuComShowAll",           [](int) { mnuComShowAll_Click(); },         ""},
+    {"mnuSetupCorvaneVer",      mnuSetupCorvaneVer_Click,                   ""},
+    {"mnuGridCopy",             [](int) { mnuGridCopy_Click(); },           ""},
+    {"mnuGridPaste",            [](int) { mnuGridPaste_Click(); },          ""},
+    {"mnuGridInterpolate",      [](int) { mnuGridInterpolate_Click(); },    ""},
+    {"mnuMapRefLabels",         [](int) { mnuMapRefLabels_Click(); },       ""},
+    {"mnuSetupMapColourScheme", mnuSetupMapColourScheme_Click,              ""},
+    {"mnuInjMapDisplay",        mnuInjMapDisplay_Click,                     ""},
+    {"mnuSetupInjMapStoich",    [](int) { mnuSetupInjMapStoich_Click(); },  ""},
+    {"mnuBaseMapDisplay",       mnuBaseMapDisplay_Click,                    ""},
+    {"mnuReCalcBase",           [](int) { mnuReCalcBase_Click(); },         ""},
 };
 // clang-format on
 

@@ -6,8 +6,11 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QTimer>
+#include <vector>
 
 #include "shell/windows/frmMain.h"
+#include "shell/windows/frmNumberEntry.h"
 #include "shell/windows/shown.h"
 #include "util/desktop.h"
 
@@ -106,6 +109,30 @@ void SetPointer(bool busy) {
     }
 }
 
+// A timer that fires once, then shows what came of it.
+void OpenTimers(frmMain& main) {
+    const QPointer<frmMain> window = &main;
+    std::vector<QPointer<QTimer>> timers;
+    for (int i = 0; i < static_cast<int>(Timer::Count); ++i) {
+        auto* timer = new QTimer(&main);
+        timer->setSingleShot(true);
+        timers.push_back(timer);
+    }
+    Desktop.StartTimer = [timers, window](Timer which, int milliseconds, const std::function<void()>& fire) {
+        QTimer* timer = timers[static_cast<std::size_t>(which)];
+        if (timer == nullptr) return;
+        timer->disconnect();
+        QObject::connect(timer, &QTimer::timeout, window, [window, fire] {
+            fire();
+            window->Mirror();
+        });
+        timer->start(milliseconds);
+    };
+    Desktop.StopTimer = [timers](Timer which) {
+        if (QTimer* timer = timers[static_cast<std::size_t>(which)]) timer->stop();
+    };
+}
+
 }  // namespace
 
 void OpenDesktop(frmMain& main) {
@@ -127,6 +154,18 @@ void OpenDesktop(frmMain& main) {
         return ChooseFile(Over(window), proposed);
     };
     Desktop.SetClipboard = [](const std::string& text) { QApplication::clipboard()->setText(Shown(text)); };
+    Desktop.GetClipboard = [] { return QApplication::clipboard()->text().toStdString(); };
+    Desktop.EnterNumber = [window](const NumberEntry& entry, const frmNumberEntry::Done& done) {
+        auto* dialog = new frmNumberEntry(
+            entry,
+            [window, done](const std::string& text) {
+                done(text);
+                if (window != nullptr) window->Mirror();
+            },
+            Over(window));
+        dialog->open();
+    };
+    OpenTimers(main);
 }
 
 }  // namespace zandrel

@@ -22,6 +22,7 @@
 #include "shell/startstop.h"
 #include "shell/windows/commands.h"
 #include "shell/windows/generalpage.h"
+#include "shell/windows/gridedit.h"
 #include "shell/windows/mapgrid.h"
 #include "shell/windows/mappage.h"
 #include "shell/windows/progresswindows.h"
@@ -30,6 +31,7 @@
 #include "shell/windows/tabrow.h"
 #include "tuning/display.h"
 #include "tuning/mainform.h"
+#include "tuning/mapediting.h"
 #include "tuning/maps.h"
 #include "util/diagnostics.h"
 
@@ -53,6 +55,23 @@ QString PortInWords() {
         return device.isEmpty() || device == name ? name : name + QStringLiteral(" · ") + device;
     }
     return QStringLiteral("No port chosen");
+}
+
+QString UnsentInWords() {
+    const auto count = [](int number, const char* one, const char* many) {
+        return QStringLiteral("%1 %2").arg(number).arg(QLatin1String(number == 1 ? one : many));
+    };
+    const Unsent unsent = CountUnsent();
+    QString text;
+    if (unsent.Blocks > 0) text = count(unsent.Blocks, "block", "blocks");
+    if (unsent.Cells > 0) {
+        if (!text.isEmpty()) text += QStringLiteral(", ");
+        text += count(unsent.Cells, "cell", "cells");
+    }
+    if (!text.isEmpty()) text.prepend(QStringLiteral("Not sent: "));
+    if (LastUpdate.empty()) return text;
+    const QString update = QStringLiteral("Updated ") + Shown(LastUpdate);
+    return text.isEmpty() ? update : text + QStringLiteral(" · ") + update;
 }
 
 // The screen that shows enough of `place` for its title to be grasped, or the first one.
@@ -91,6 +110,7 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setCentralWidget(body);
     BuildStatusBar();
     BuildMenus();
+    txtGrid_ = new GridEdit([this](const std::function<void()>& action) { Run(action); }, this);
     frmProgress2_ = new ProgressWindow("frmProgress2", Progress2, ProgressWindow::Manner::OnTop, this);
     frmProgressScan_ =
         new ProgressWindow("frmProgressScan", ProgressScan, ProgressWindow::Manner::Modal, this);
@@ -105,7 +125,6 @@ QWidget* frmMain::BuildButtons() {
     const auto add = [&](const char* name) {
         auto* button = new QPushButton(bar);
         button->setObjectName(QLatin1String(name));
-        if (!HasHandler(name)) button->setToolTip(QString::fromUtf8(CommandOf(name).Later));
         connect(button, &QPushButton::clicked, this,
                 [this, name] { Run([name] { CommandOf(name).Click(-1); }); });
         row->addWidget(button);
@@ -117,11 +136,12 @@ QWidget* frmMain::BuildButtons() {
     bold.setBold(true);
     cmdReadAll_->setFont(bold);
     cmdWriteAll_ = add("cmdWriteAll");
+    cmdWriteAll_->setToolTip(QStringLiteral("Write everything to the Power-FC"));
     cmdUpdate_ = add("cmdUpdate");
+    cmdUpdate_->setToolTip(QStringLiteral("Send what has changed (Ctrl+U)"));
     optAutoUpdate_ = new QCheckBox(bar);
     optAutoUpdate_->setObjectName(QStringLiteral("optAutoUpdate"));
-    if (!HasHandler("optAutoUpdate"))
-        optAutoUpdate_->setToolTip(QString::fromUtf8(CommandOf("optAutoUpdate").Later));
+    optAutoUpdate_->setToolTip(QStringLiteral("Send what has changed half a second after the last change"));
     connect(optAutoUpdate_, &QCheckBox::clicked, this, [this](bool checked) {
         Run([checked] {
             optAutoUpdate.Value = checked ? 1 : 0;
@@ -141,7 +161,8 @@ void frmMain::BuildTabs() {
         QWidget* page = nullptr;
         if (tab < kMapTabs) {
             const auto run = [this](const std::function<void()>& action) { Run(action); };
-            page = mapPages_[static_cast<std::size_t>(tab)] = new MapPage(tab, run);
+            const auto popup = [this](int map, const QPoint& place) { OpenGridMenu(map, place); };
+            page = mapPages_[static_cast<std::size_t>(tab)] = new MapPage(tab, run, popup);
         } else if (tab == kGeneralTab) {
             page = new GeneralPage;
         } else {
@@ -171,12 +192,17 @@ void frmMain::BuildStatusBar() {
     lblPort_ = add("lblPort", 0);
     lblInterface_ = add("lblInterface", 0);
     lblBuild_ = add("lblBuild", 1);
+    lblUnsent_ = add("lblUnsent", 0);
 }
 
 SettingsPage* frmMain::BuildPage(int tab) {
     const auto at = static_cast<std::size_t>(tab);
     if (settingsPages_[at] == nullptr) {
-        settingsPages_[at] = new SettingsPage(tab);
+        settingsPages_[at] = new SettingsPage(
+            tab, {.Run = [this](const std::function<void()>& action) { Run(action); },
+                  .LeaveControls = [this] { SSTab1_->tabBar()->setFocus(); },
+                  .OpenFrameMenu = [this](int frame, const QPoint& place) { OpenFrameMenu(frame, place); },
+                  .Mirrors = [this] { return mirrors_; }});
         holders_[at]->layout()->addWidget(settingsPages_[at]);
     }
     return settingsPages_[at];
@@ -191,13 +217,26 @@ void frmMain::Run(const std::function<void()>& action) {
     Mirror();
 }
 
+void frmMain::CommitOpenBox() {
+    if (txtGrid.Visible) Run(txtGrid_LostFocus);
+    for (SettingsPage* page : settingsPages_) {
+        if (page != nullptr) page->CommitFocused();
+    }
+}
+
 void frmMain::Mirror() {
+    // Mirroring may make widgets show or hide, and with that lose the focus.
+    if (mirrors_) return;
+    mirrors_ = true;
+    RefreshUndoItems();
     MirrorTitle();
     MirrorTabs();
     MirrorPages();
     MirrorButtons();
     MirrorStatusBar();
     MirrorMenus();
+    mirrors_ = false;
+    txtGrid_->Mirror(EditMap >= 0 ? mapPages_[static_cast<std::size_t>(EditMap)]->GridView() : nullptr);
     frmProgress2_->Mirror();
     frmProgressScan_->Mirror();
     CloseIfAsked();
@@ -253,6 +292,7 @@ void frmMain::MirrorStatusBar() {
     ShowIfOther(lblBuild_, VerName.empty() && VerNumber.empty()
                                ? QStringLiteral("No Power-FC read yet")
                                : Printable(VerName) + QStringLiteral(" v") + Printable(VerNumber));
+    ShowIfOther(lblUnsent_, UnsentInWords());
 }
 
 void frmMain::TabChanged(int tab) {
@@ -339,6 +379,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
         return;
     }
     CloseAsked = false;
+    CommitOpenBox();
     if (!frmMain_QueryUnload()) {
         Mirror();
         return;

@@ -19,6 +19,7 @@ class QPushButton;
 
 namespace zandrel {
 
+class GridEdit;
 class ProgressWindow;
 class MapPage;
 class SettingsPage;
@@ -60,6 +61,9 @@ class frmMain : public QMainWindow {
     void Run(const std::function<void()>& action);
     void CloseIfAsked();
 
+    // Stores what stands in an open box; a command works on the image, not on what is being typed.
+    void CommitOpenBox();
+
     QWidget* BuildButtons();
     void BuildTabs();
     void BuildStatusBar();
@@ -67,7 +71,9 @@ class frmMain : public QMainWindow {
 
     void BuildMenus();
     void BuildFileMenu();
+    void BuildEditMenu();
     void BuildPowerFcMenu();
+    void BuildFrameMenu();
     void BuildPortMenu();
     void BuildSetupMenu();
     void BuildMapsMenu();
@@ -79,7 +85,9 @@ class frmMain : public QMainWindow {
     void OpenPortMenu();
     void ShowAbout();
     void ToggleFirstPort(bool open);
-    void ReadMapInView();
+    void RunOnMapInView(const char* name);
+    void OpenGridMenu(int map, const QPoint& place);
+    void OpenFrameMenu(int frame, const QPoint& place);
 
     void MirrorTitle();
     void MirrorTabs();
@@ -105,8 +113,16 @@ class frmMain : public QMainWindow {
     QLabel* lblPort_ = nullptr;
     QLabel* lblInterface_ = nullptr;
     QLabel* lblBuild_ = nullptr;
+    QLabel* lblUnsent_ = nullptr;
+    GridEdit* txtGrid_ = nullptr;
     QAction* mnuReadAll_ = nullptr;
     QAction* mnuReadMap_ = nullptr;
+    QAction* mnuWriteAll_ = nullptr;
+    QAction* mnuWriteMap_ = nullptr;
+    QAction* mnuUpdate_ = nullptr;
+    QAction* mnuSep4_ = nullptr;
+    QMenu* mnuSetupMaps_ = nullptr;
+    QMenu* mnuPopUp1_ = nullptr;
     QAction* mnuScan_ = nullptr;
     QAction* mnuAbout_ = nullptr;
     QMenu* mnuSetupBaseMap_ = nullptr;
@@ -116,6 +132,8 @@ class frmMain : public QMainWindow {
 
     std::string title_;
     bool menuOpens_ = false;
+    bool mirrors_ = false;
+    bool popupOpens_ = false;
     bool placed_ = false;
     bool unloaded_ = false;
     QRect normalPlace_;  // left and top of the frame, size of the content

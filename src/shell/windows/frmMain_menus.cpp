@@ -4,6 +4,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QShortcut>
+#include <QTimer>
 #include <algorithm>
 
 #include "link/port.h"
@@ -11,8 +12,11 @@
 #include "link/transfers.h"
 #include "shell/windows/commands.h"
 #include "shell/windows/frmMain.h"
+#include "shell/windows/mapgrid.h"
+#include "shell/windows/mappage.h"
 #include "shell/windows/shown.h"
 #include "tuning/display.h"
+#include "tuning/mapediting.h"
 #include "tuning/maps.h"
 #include "util/diagnostics.h"
 #include "util/product.h"
@@ -34,11 +38,13 @@ QString MnemonicsBeside(const QMenu* menu, const QAction* item) {
 
 void frmMain::BuildMenus() {
     BuildFileMenu();
+    BuildEditMenu();
     BuildPowerFcMenu();
     BuildPortMenu();
     BuildSetupMenu();
     BuildMapsMenu();
     BuildHelpMenu();
+    BuildFrameMenu();
     BuildKeys();
 }
 
@@ -46,8 +52,10 @@ void frmMain::BuildMenus() {
 QAction* frmMain::AddItem(QMenu* menu, const char* name, const MenuItem& record, int index) {
     QAction* item = menu->addAction(QString());
     item->setObjectName(index < 0 ? QString::fromLatin1(name) : MemberName(name, index));
-    connect(item, &QAction::triggered, this,
-            [this, name, index] { Run([name, index] { CommandOf(name).Click(index); }); });
+    connect(item, &QAction::triggered, this, [this, name, index] {
+        CommitOpenBox();
+        Run([name, index] { CommandOf(name).Click(index); });
+    });
     items_.push_back({item, menu, &record, HasHandler(name), {}});
     return item;
 }
@@ -56,7 +64,10 @@ QAction* frmMain::AddCommand(QMenu* menu, const char* name, const QString& capti
                              const std::function<void()>& action) {
     QAction* item = menu->addAction(caption);
     item->setObjectName(QLatin1String(name));
-    connect(item, &QAction::triggered, this, [this, action] { Run(action); });
+    connect(item, &QAction::triggered, this, [this, action] {
+        CommitOpenBox();
+        Run(action);
+    });
     return item;
 }
 
@@ -70,15 +81,46 @@ void frmMain::BuildFileMenu() {
     connect(exit, &QAction::triggered, this, [this] { close(); });
 }
 
+void frmMain::BuildEditMenu() {
+    QMenu* menu = menuBar()->addMenu(QStringLiteral("&Edit"));
+    menu->setObjectName(QStringLiteral("mnuEdit"));
+    AddItem(menu, "mnuUndo", mnuUndo)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+    AddItem(menu, "mnuRedo", mnuRedo)
+        ->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+}
+
+// The menu of a frame: its blocks alone are read or written.
+void frmMain::BuildFrameMenu() {
+    mnuPopUp1_ = new QMenu(this);
+    mnuPopUp1_->setObjectName(QStringLiteral("mnuPopUp1"));
+    AddItem(mnuPopUp1_, "mnuRead", mnuRead);
+    AddItem(mnuPopUp1_, "mnuWrite", mnuWrite);
+}
+
+void frmMain::OpenFrameMenu(int frame, const QPoint& place) {
+    PopupFrame = static_cast<std::int16_t>(frame);
+    mnuPopUp1_->popup(place);
+}
+
 void frmMain::BuildPowerFcMenu() {
     QMenu* menu = menuBar()->addMenu(QStringLiteral("&Power-FC"));
     menu->setObjectName(QStringLiteral("mnuPowerFc"));
     mnuReadAll_ = AddCommand(menu, "mnuReadAll", QStringLiteral("&Read All"),
                              [] { CommandOf("cmdReadAll").Click(-1); });
     mnuReadAll_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_R), QKeySequence(Qt::Key_F5)});
-    mnuReadMap_ = AddCommand(menu, "mnuReadMap", QStringLiteral("Read &Map"), [this] { ReadMapInView(); });
-    mnuReadMap_->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    mnuWriteAll_ = AddCommand(menu, "mnuWriteAll", QStringLiteral("&Write All"),
+                              [] { CommandOf("cmdWriteAll").Click(-1); });
+    mnuUpdate_ =
+        AddCommand(menu, "mnuUpdate", QStringLiteral("&Update"), [] { CommandOf("cmdUpdate").Click(-1); });
+    mnuUpdate_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_U));
     menu->addSeparator();
+    mnuReadMap_ =
+        AddCommand(menu, "mnuReadMap", QStringLiteral("Read &Map"), [this] { RunOnMapInView("cmdReadMap"); });
+    mnuReadMap_->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    mnuWriteMap_ = AddCommand(menu, "mnuWriteMap", QStringLiteral("Wri&te Map"),
+                              [this] { RunOnMapInView("cmdWriteMap"); });
+    menu->addSeparator();
+    AddItem(menu, "mnuInitAllData", mnuInitAllData);
     mnuScan_ = AddCommand(menu, "mnuScan", QStringLiteral("&Scan"), [] { CommandOf("mnuScan").Click(-1); });
 }
 
@@ -119,8 +161,17 @@ void frmMain::BuildSetupMenu() {
 }
 
 void frmMain::BuildMapsMenu() {
-    QMenu* menu = menuBar()->addMenu(QStringLiteral("&Maps"));
+    QMenu* menu = mnuSetupMaps_ = menuBar()->addMenu(QStringLiteral("&Maps"));
     menu->setObjectName(QStringLiteral("mnuSetupMaps"));
+    AddItem(menu, "mnuGridCopy", mnuGridCopy);
+    AddItem(menu, "mnuGridPaste", mnuGridPaste);
+    mnuSep4_ = menu->addSeparator();
+    AddItem(menu, "mnuGridInterpolate", mnuGridInterpolate);
+    menu->addSeparator();
+    // From the menu bar the commands work on the map in view.
+    connect(menu, &QMenu::aboutToShow, this, [this] {
+        if (!popupOpens_ && SSTab1.Tab < kMapTabs) PopupGrid = static_cast<std::int16_t>(SSTab1.Tab);
+    });
     QAction* labels = AddItem(menu, "mnuMapRefLabels", mnuMapRefLabels);
     labels->setCheckable(true);
     labels->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
@@ -133,9 +184,38 @@ void frmMain::BuildMapsMenu() {
         }
         return choices;
     };
-    addChoices("mnuMapColourScheme", "&Colour scheme", "mnuSetupMapColourScheme", mnuSetupMapColourScheme);
-    addChoices("mnuSetupInjMap", "&INJ map", "mnuInjMapDisplay", mnuInjMapDisplay);
+    addChoices("mnuMapColourScheme", "Colour &scheme", "mnuSetupMapColourScheme", mnuSetupMapColourScheme);
+    QMenu* injection = addChoices("mnuSetupInjMap", "I&NJ map", "mnuInjMapDisplay", mnuInjMapDisplay);
+    injection->addSeparator();
+    AddItem(injection, "mnuSetupInjMapStoich", mnuSetupInjMapStoich);
+    connect(injection, &QMenu::aboutToShow, this, [this] { Run(mnuSetupInjMap_Click); });
     mnuSetupBaseMap_ = addChoices("mnuSetupBaseMap", "&Base Map", "mnuBaseMapDisplay", mnuBaseMapDisplay);
+    menu->addSeparator();
+    AddItem(menu, "mnuReCalcBase", mnuReCalcBase);
+}
+
+// The Maps menu over a map, with what works on its selection.
+void frmMain::OpenGridMenu(int map, const QPoint& place) {
+    mapPages_[static_cast<std::size_t>(map)]->GridView()->setFocus();
+    PopupGrid = static_cast<std::int16_t>(map);
+    const auto showItems = [](bool visible) {
+        mnuGridCopy.Visible = mnuGridPaste.Visible = mnuSep4.Visible = visible;
+    };
+    showItems(true);
+    Mirror();
+    popupOpens_ = true;
+    mnuSetupMaps_->popup(place);
+    popupOpens_ = false;
+    // Hidden again only when the item that was chosen has run.
+    connect(
+        mnuSetupMaps_, &QMenu::aboutToHide, this,
+        [this, showItems] {
+            QTimer::singleShot(0, this, [this, showItems] {
+                showItems(false);
+                Mirror();
+            });
+        },
+        Qt::SingleShotConnection);
 }
 
 void frmMain::BuildHelpMenu() {
@@ -175,8 +255,8 @@ void frmMain::ToggleFirstPort(bool open) {
     Run([] { CommandOf("mnuCom").Click(0); });
 }
 
-void frmMain::ReadMapInView() {
-    if (SSTab1.Tab < kMapTabs) CommandOf("cmdReadMap").Click(SSTab1.Tab);
+void frmMain::RunOnMapInView(const char* name) {
+    if (SSTab1.Tab < kMapTabs) CommandOf(name).Click(SSTab1.Tab);
 }
 
 void frmMain::MirrorMenus() {
@@ -197,7 +277,9 @@ void frmMain::MirrorMenus() {
         if (item.Action->isVisible() != record.Visible) item.Action->setVisible(record.Visible);
         const bool baseMode = item.Record >= mnuBaseMapDisplay.data() &&
                               item.Record < mnuBaseMapDisplay.data() + mnuBaseMapDisplay.size();
-        const bool enabled = record.Enabled && item.Handled && !runs && (!baseMode || BaseMapIndex != kNoMap);
+        const bool fits =
+            baseMode ? BaseMapIndex != kNoMap : item.Record != &mnuGridInterpolate || SSTab1.Tab < kMapTabs;
+        const bool enabled = record.Enabled && item.Handled && !runs && fits;
         if (item.Action->isEnabled() != enabled) item.Action->setEnabled(enabled);
     }
     const auto enable = [](QAction* action, bool enabled) {
@@ -205,9 +287,12 @@ void frmMain::MirrorMenus() {
     };
     const bool mapInView = SSTab1.Tab < kMapTabs && !VerName.empty();
     enable(mnuReadAll_, cmdReadAll.Enabled && !runs);
-    enable(mnuReadMap_,
-           mapInView && cmdReadMap[static_cast<std::size_t>(std::min(SSTab1.Tab, kMapTabs - 1))].Enabled &&
-               !runs);
+    const auto map = static_cast<std::size_t>(std::min(SSTab1.Tab, kMapTabs - 1));
+    enable(mnuReadMap_, mapInView && cmdReadMap[map].Enabled && !runs);
+    enable(mnuWriteMap_, mapInView && cmdWriteMap[map].Enabled && !runs);
+    enable(mnuWriteAll_, cmdWriteAll.Enabled && !runs);
+    enable(mnuUpdate_, cmdUpdate.Enabled && !runs);
+    if (mnuSep4_->isVisible() != mnuSep4.Visible) mnuSep4_->setVisible(mnuSep4.Visible);
     enable(mnuScan_, !runs && MSComm1.PortOpen());
     enable(mnuAbout_, !runs);
     enable(mnuSetupBaseMap_->menuAction(), BaseMapIndex != kNoMap);

@@ -1,15 +1,19 @@
 #include "shell/windows/mapgrid.h"
 
 #include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "shell/windows/shown.h"
-#include "tuning/maps.h"
+#include "tuning/mapediting.h"
 
 namespace zandrel {
 namespace {
@@ -17,8 +21,76 @@ namespace {
 constexpr double kSmallestFont = 0.7;  // of the desktop's font
 constexpr int kLeft = 1;               // ColAlignment: 1 left, 7 right, both centred vertically
 
-const MapGrid& Record(int map) {
+MapGrid& RecordOf(int map) {
     return Grid[static_cast<std::size_t>(map)];
+}
+
+// The key codes that the map knows. 0: none of them.
+struct MapKey {
+    int Code = 0;
+    int Shift = 0;
+};
+
+MapKey KeyOf(const QKeyEvent& event) {
+    const bool pad = event.modifiers() & Qt::KeypadModifier;
+    MapKey key;
+    if (event.modifiers() & Qt::ShiftModifier) key.Shift |= 1;
+    if (event.modifiers() & Qt::ControlModifier) key.Shift |= 2;
+    if (event.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) key.Shift |= 4;
+    const int code = event.key();
+    // Where a keyboard has plus or times on a shifted key, the shift belongs to the character.
+    const int unshifted = key.Shift & ~1;
+    if (code >= Qt::Key_0 && code <= Qt::Key_9) return {(pad ? 96 : 48) + code - Qt::Key_0, key.Shift};
+    switch (code) {
+        case Qt::Key_Asterisk:
+            return pad ? MapKey{106, key.Shift} : key.Shift == 0 ? MapKey{106, 0} : MapKey{56, key.Shift};
+        case Qt::Key_Plus:
+            return pad ? MapKey{107, key.Shift} : MapKey{187, unshifted};
+        case Qt::Key_Equal:
+            return {187, key.Shift};
+        case Qt::Key_Minus:
+            return {pad ? 109 : 189, key.Shift};
+        case Qt::Key_Period:
+            return {pad ? 110 : 190, key.Shift};
+        case Qt::Key_Comma:
+            // A number pad's mark is the point, whatever it bears.
+            return {pad ? 110 : 188, key.Shift};
+        case Qt::Key_Delete:
+            return {46, key.Shift};
+        case Qt::Key_Space:
+            return {32, key.Shift};
+        case Qt::Key_A:
+        case Qt::Key_C:
+        case Qt::Key_V:
+            return {code, key.Shift};
+        default:
+            return {};
+    }
+}
+
+// Widths of texts in a font, letter by letter: measuring each text anew would take longer than painting it.
+class TextWidths {
+  public:
+    explicit TextWidths(const QFont& font) : metrics_(font) { widths_.fill(-1); }
+
+    double Of(const QString& text) const {
+        double sum = 0;
+        for (const QChar letter : text) {
+            const auto code = static_cast<std::size_t>(letter.unicode());
+            if (code >= widths_.size()) return metrics_.horizontalAdvance(text);
+            if (widths_[code] < 0) widths_[code] = metrics_.horizontalAdvance(letter);
+            sum += widths_[code];
+        }
+        return sum;
+    }
+
+  private:
+    QFontMetricsF metrics_;
+    mutable std::array<double, 128> widths_;
+};
+
+int ButtonOf(const QMouseEvent& event) {
+    return event.button() == Qt::LeftButton ? 1 : event.button() == Qt::RightButton ? 2 : 4;
 }
 
 void DrawCellText(QPainter* painter, const QRect& rect, int padding, Qt::Alignment alignment,
@@ -64,7 +136,7 @@ class CellPainter : public QStyledItemDelegate {
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
         const auto* model = static_cast<const MapModel*>(index.model());
-        const std::uint32_t number = GridCellColourSet(model->Map(), index.row() + 1, index.column() + 1);
+        const std::uint32_t number = model->CellColour(index.row(), index.column());
         const QColor back = number != 0 ? ColourOf(number) : option.palette.color(QPalette::Base);
         const QColor ink = number != 0 ? ReadableOn(back) : option.palette.color(QPalette::Text);
         painter->fillRect(option.rect, back);
@@ -73,8 +145,8 @@ class CellPainter : public QStyledItemDelegate {
         DrawCellText(painter, option.rect, grid_->Padding(), model->ColumnAlignment(index.column()),
                      model->CellText(index.row(), index.column()));
         if (option.state.testFlag(QStyle::State_Selected)) {
-            const bool current = index == grid_->currentIndex();
-            DrawFrame(painter, option.rect, option.palette.color(QPalette::Highlight), ink, current);
+            DrawFrame(painter, option.rect, option.palette.color(QPalette::Highlight), ink,
+                      grid_->IsCurrent(index));
         }
     }
 
@@ -105,12 +177,35 @@ int MapModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : kMapSide;
 }
 
-QString MapModel::CellText(int row, int column) const {
-    return Shown(GridCellText(map_, row + 1, column + 1));
+const QString& MapModel::CellText(int row, int column) const {
+    return texts_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
+}
+
+std::uint32_t MapModel::CellColour(int row, int column) const {
+    return colours_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
+}
+
+MapModel::Changes MapModel::Take() {
+    Changes changes{};
+    const MapGrid& record = RecordOf(map_);
+    for (std::size_t row = 0; row < kMapSide; ++row) {
+        for (std::size_t column = 0; column < kMapSide; ++column) {
+            QString& text = texts_[row][column];
+            std::uint32_t& colour = colours_[row][column];
+            const std::string& newText = record.TextMatrix[row + 1][column + 1];
+            const std::uint32_t newColour = record.CellBackColor[row + 1][column + 1];
+            const bool sameText = text == QLatin1String(newText.data(), static_cast<int>(newText.size()));
+            if (sameText && colour == newColour) continue;
+            if (!sameText) text = Shown(newText);
+            colour = newColour;
+            changes[row][column] = true;
+        }
+    }
+    return changes;
 }
 
 Qt::Alignment MapModel::ColumnAlignment(int column) const {
-    const int alignment = Record(map_).ColAlignment[static_cast<std::size_t>(column + 1)];
+    const int alignment = RecordOf(map_).ColAlignment[static_cast<std::size_t>(column + 1)];
     return (alignment <= kLeft ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter;
 }
 
@@ -118,11 +213,14 @@ QVariant MapModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     switch (role) {
         case Qt::DisplayRole:
-            return CellText(index.row(), index.column());
+            return Shown(RecordOf(map_).TextMatrix[static_cast<std::size_t>(index.row() + 1)]
+                                                  [static_cast<std::size_t>(index.column() + 1)]);
         case Qt::TextAlignmentRole:
             return static_cast<int>(ColumnAlignment(index.column()));
         case Qt::BackgroundRole: {
-            const std::uint32_t number = GridCellColourSet(map_, index.row() + 1, index.column() + 1);
+            const std::uint32_t number =
+                RecordOf(map_).CellBackColor[static_cast<std::size_t>(index.row() + 1)]
+                                            [static_cast<std::size_t>(index.column() + 1)];
             return number != 0 ? QVariant(ColourOf(number)) : QVariant();
         }
         default:
@@ -135,14 +233,11 @@ QVariant MapModel::headerData(int section, Qt::Orientation orientation, int role
     if (role == Qt::TextAlignmentRole) return static_cast<int>(ColumnAlignment(columns ? section : -1));
     if (role != Qt::DisplayRole) return {};
     const auto at = static_cast<std::size_t>(section + 1);
-    return Shown(columns ? Record(map_).ColumnHead[at] : Record(map_).RowHead[at]);
+    return Shown(columns ? RecordOf(map_).ColumnHead[at] : RecordOf(map_).RowHead[at]);
 }
 
-void MapModel::Refresh() {
-    emit dataChanged(index(0, 0), index(kMapSide - 1, kMapSide - 1));
-}
-
-MapGridView::MapGridView(int map, QWidget* parent) : QTableView(parent), model_(new MapModel(map, this)) {
+MapGridView::MapGridView(int map, Runner run, Popup popup, QWidget* parent)
+    : QTableView(parent), model_(new MapModel(map, this)), run_(std::move(run)), popup_(std::move(popup)) {
     setObjectName(MemberName("Grid", map));
     setModel(model_);
     setHorizontalHeader(new MapHead(Qt::Horizontal, this));
@@ -156,29 +251,150 @@ MapGridView::MapGridView(int map, QWidget* parent) : QTableView(parent), model_(
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setCornerButtonEnabled(true);
     setCurrentIndex(model_->index(0, 0));
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { TakeSelection(); });
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { TakeSelection(); });
+}
+
+MapGrid& MapGridView::Record() const {
+    return RecordOf(model_->Map());
+}
+
+bool MapGridView::IsCurrent(const QModelIndex& cell) const {
+    return cell.row() + 1 == selection_.Row && cell.column() + 1 == selection_.Col;
+}
+
+// The selection began at the corner that lies opposite to the current cell.
+void MapGridView::TakeSelection() {
+    if (showsSelection_) return;
+    QRect area;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        area |= QRect(QPoint(range.left(), range.top()), QPoint(range.right(), range.bottom()));
+    }
+    const QModelIndex current = currentIndex();
+    if (area.isEmpty()) {
+        if (!current.isValid()) return;
+        area = QRect(current.column(), current.row(), 1, 1);
+    }
+    const bool rowAtEdge = current.row() == area.top() || current.row() == area.bottom();
+    const bool columnAtEdge = current.column() == area.left() || current.column() == area.right();
+    GridSelection taken{area.top() + 1, area.left() + 1, area.bottom() + 1, area.right() + 1};
+    if (rowAtEdge && columnAtEdge) {
+        if (current.row() == area.top()) std::swap(taken.Row, taken.RowSel);
+        if (current.column() == area.left()) std::swap(taken.Col, taken.ColSel);
+    }
+    selection_ = Record().Selection = taken;
+    viewport()->update();
+}
+
+void MapGridView::ShowSelection() {
+    if (selection_ == Record().Selection) return;
+    selection_ = Record().Selection;
+    showsSelection_ = true;
+    const auto cell = [this](int row, int column) { return model_->index(row - 1, column - 1); };
+    const GridSelection& s = selection_;
+    selectionModel()->select(QItemSelection(cell(std::min(s.Row, s.RowSel), std::min(s.Col, s.ColSel)),
+                                            cell(std::max(s.Row, s.RowSel), std::max(s.Col, s.ColSel))),
+                             QItemSelectionModel::ClearAndSelect);
+    // A selection that holds the current cell was not asked to scroll to its end.
+    if (!selectionModel()->isSelected(currentIndex())) {
+        selectionModel()->setCurrentIndex(cell(s.RowSel, s.ColSel), QItemSelectionModel::NoUpdate);
+    }
+    showsSelection_ = false;
+    viewport()->update();
 }
 
 void MapGridView::Mirror() {
-    if (revision_ == Record(model_->Map()).Revision || !isVisible()) return;
-    revision_ = Record(model_->Map()).Revision;
+    ShowSelection();
+    if (revision_ == Record().Revision || !Record().Redraw || !isVisible()) return;
+    revision_ = Record().Revision;
+    ShowCells();
+}
+
+void MapGridView::ShowCells() {
+    const MapModel::Changes changes = model_->Take();
     LayOut();
-    model_->Refresh();
+    // Many small pieces take longer to paint than the whole that they lie in.
+    constexpr int kFew = 8;
+    QRect all;
+    int count = 0;
+    for (int row = 0; row < kMapSide; ++row) {
+        for (int column = 0; column < kMapSide; ++column) {
+            if (!changes[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]) continue;
+            const QRect cell = visualRect(model_->index(row, column));
+            all |= cell;
+            if (++count <= kFew) viewport()->update(cell);
+        }
+    }
+    if (count > kFew) viewport()->update(all);
     horizontalHeader()->viewport()->update();
     verticalHeader()->viewport()->update();
 }
 
-int MapGridView::LongestText(const QFontMetrics& metrics) const {
-    int longest = 0;
+void MapGridView::PlaceBox(QWidget* box) const {
+    constexpr int kLeft = 3, kTaller = 7;
+    const QRect cell = visualRect(model_->index(selection_.Row - 1, selection_.Col - 1));
+    const int formula = QFontMetrics(cellFont_).horizontalAdvance(QLatin1String("*0.0000")) + 14;
+    QRect place(cell.left() - kLeft, cell.top(), std::max(cell.width() - 1, formula),
+                cell.height() + kTaller);
+    place.moveLeft(std::clamp(place.left(), 0, std::max(0, viewport()->width() - place.width())));
+    place.moveTop(std::clamp(place.top(), 0, std::max(0, viewport()->height() - place.height())));
+    box->setGeometry(place);
+}
+
+void MapGridView::keyPressEvent(QKeyEvent* event) {
+    const MapKey key = KeyOf(*event);
+    if (key.Code == 0) {
+        QTableView::keyPressEvent(event);
+        return;
+    }
+    run_([&] { Grid_KeyDown(model_->Map(), key.Code, key.Shift); });
+    event->accept();
+}
+
+void MapGridView::mousePressEvent(QMouseEvent* event) {
+    Grid_MouseDown(model_->Map(), ButtonOf(*event));
+    // The menu is for what is selected; beside it, for the cell under the pointer.
+    const bool inSelection = selectionModel()->isSelected(indexAt(event->position().toPoint()));
+    if (event->button() == Qt::RightButton && inSelection) {
+        event->accept();
+        return;
+    }
+    QTableView::mousePressEvent(event);
+}
+
+void MapGridView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    if (event->button() == Qt::RightButton) popup_(model_->Map(), event->globalPosition().toPoint());
+}
+
+void MapGridView::mouseDoubleClickEvent(QMouseEvent* event) {
+    Grid_MouseDown(model_->Map(), ButtonOf(*event));
+    if (!indexAt(event->position().toPoint()).isValid()) return;
+    run_([this] { Grid_DblClick(model_->Map()); });
+}
+
+// The key that asks for a menu; the mouse has asked already.
+void MapGridView::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        const QModelIndex cell = model_->index(selection_.Row - 1, selection_.Col - 1);
+        popup_(model_->Map(), viewport()->mapToGlobal(visualRect(cell).center()));
+    }
+    event->accept();
+}
+
+int MapGridView::LongestText(const QFont& font) const {
+    const TextWidths widths(font);
+    double longest = 0;
     for (int line = 0; line < kMapSide; ++line) {
         for (int column = 0; column < kMapSide; ++column) {
-            longest = std::max(longest, metrics.horizontalAdvance(model_->CellText(line, column)));
+            longest = std::max(longest, widths.Of(model_->CellText(line, column)));
         }
         for (const auto orientation : {Qt::Horizontal, Qt::Vertical}) {
-            const QString head = model_->headerData(line, orientation, Qt::DisplayRole).toString();
-            longest = std::max(longest, metrics.horizontalAdvance(head));
+            longest = std::max(longest,
+                               widths.Of(model_->headerData(line, orientation, Qt::DisplayRole).toString()));
         }
     }
-    return longest;
+    return static_cast<int>(std::ceil(longest));
 }
 
 // The columns share the width in the proportions of the record, the rows the height; the font gives way
@@ -191,7 +407,7 @@ void MapGridView::LayOut() {
     const bool scrolls = leastRow * (kMapSide + 1) > height;
     const int total = width() - frame - (scrolls ? verticalScrollBar()->sizeHint().width() : 0);
     if (total <= 0 || height <= 0) return;
-    const MapGrid& record = Record(model_->Map());
+    const MapGrid& record = Record();
     std::array<double, kMapSide + 1> share{};
     double sum = 0;
     for (std::size_t c = 0; c < share.size(); ++c) {
@@ -200,11 +416,11 @@ void MapGridView::LayOut() {
     }
 
     constexpr int kAround = 2 * kLeastPadding + 3;  // with the grid line
-    const int longest = std::max(1, LongestText(fontMetrics()));
+    const int longest = std::max(1, LongestText(font()));
     const int room = static_cast<int>(total * share[1] / sum) - kAround;
     const double factor = std::clamp(double(room) / longest, kSmallestFont, 1.0);
     cellFont_ = factor < 1 ? Scaled(font(), factor) : font();
-    const int fitted = LongestText(QFontMetrics(cellFont_));
+    const int fitted = LongestText(cellFont_);
     const int narrowest = fitted + kAround - 1;
     // The longest text stands in the middle of its column, all others begin or end with it.
     padding_ = std::max(kLeastPadding, (static_cast<int>(total * share[1] / sum) - 1 - fitted) / 2);
@@ -231,14 +447,15 @@ void MapGridView::LayOut() {
 
 void MapGridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
-    Grid[static_cast<std::size_t>(model_->Map())].Width = static_cast<float>(width());
+    Record().Width = static_cast<float>(width());
     LayOut();
 }
 
 void MapGridView::showEvent(QShowEvent* event) {
     QTableView::showEvent(event);
-    revision_ = Record(model_->Map()).Revision;
-    LayOut();
+    revision_ = Record().Revision;
+    ShowSelection();
+    ShowCells();
 }
 
 void MapGridView::changeEvent(QEvent* event) {

@@ -13,7 +13,8 @@
 #include "tuning/maps.h"
 
 namespace zandrel {
-MapPage::MapPage(int map, Runner run, QWidget* parent)
+
+MapPage::MapPage(int map, Runner run, Popup popup, QWidget* parent)
     : QWidget(parent),
       map_(map),
       run_(std::move(run)),
@@ -21,7 +22,7 @@ MapPage::MapPage(int map, Runner run, QWidget* parent)
       chkSplit_(new QCheckBox(this)),
       cmdReadMap_(new QPushButton(this)),
       cmdWriteMap_(new QPushButton(this)),
-      grid_(new MapGridView(map, this)) {
+      grid_(new MapGridView(map, run_, std::move(popup), this)) {
     comMapType_->setObjectName(MemberName("comMapType", map));
     comMapType_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     comMapType_->setToolTip(QStringLiteral("What the cells show"));
@@ -29,8 +30,7 @@ MapPage::MapPage(int map, Runner run, QWidget* parent)
     cmdReadMap_->setObjectName(MemberName("cmdReadMap", map));
     cmdReadMap_->setToolTip(QStringLiteral("Read this map from the Power-FC"));
     cmdWriteMap_->setObjectName(MemberName("cmdWriteMap", map));
-    if (!HasHandler("cmdWriteMap"))
-        cmdWriteMap_->setToolTip(QString::fromUtf8(CommandOf("cmdWriteMap").Later));
+    cmdWriteMap_->setToolTip(QStringLiteral("Write this map to the Power-FC"));
 
     auto* column = new QVBoxLayout(this);
     const int gap = fontMetrics().height() / 3;

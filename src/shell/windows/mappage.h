@@ -18,7 +18,8 @@ class MapPage : public QWidget {
   public:
     /// `run` runs an action of the user and shows what came of it.
     using Runner = std::function<void(const std::function<void()>& action)>;
-    MapPage(int map, Runner run, QWidget* parent = nullptr);
+    using Popup = std::function<void(int map, const QPoint& place)>;
+    MapPage(int map, Runner run, Popup popup, QWidget* parent = nullptr);
 
     void Mirror();
     MapGridView* GridView() const { return grid_; }

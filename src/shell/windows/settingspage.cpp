@@ -9,16 +9,20 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QStyle>
 #include <QToolButton>
 #include <QToolTip>
 #include <algorithm>
+#include <utility>
 
 #include "shell/windows/commands.h"
 #include "shell/windows/frameflow.h"
+#include "shell/windows/gridedit.h"
 #include "shell/windows/shown.h"
+#include "tuning/binding.h"
 #include "tuning/display.h"
 #include "tuning/settings.h"
 #include "util/numbers.h"
@@ -29,6 +33,7 @@ namespace {
 
 constexpr int kSwitchNamesBlock = 0xEB;     // second block of the long sensor set
 constexpr char kBoundProperty[] = "bound";  // place of a widget's record in the page's list
+constexpr char kFrameProperty[] = "frame";  // index of a frame
 
 int GapOf(const QWidget* widget, double lines) {
     return std::max(1, static_cast<int>(widget->fontMetrics().height() * lines));
@@ -133,7 +138,8 @@ bool RowStandsInFrame(const Control& row, const Control& frame) {
     return frame.Height <= 0 || row.Top + row.Height <= frame.Height;
 }
 
-SettingsPage::SettingsPage(int tab, QWidget* parent) : QScrollArea(parent), tab_(tab) {
+SettingsPage::SettingsPage(int tab, Window window, QWidget* parent)
+    : QScrollArea(parent), tab_(tab), window_(std::move(window)) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     auto* inner = new QWidget;
@@ -168,7 +174,24 @@ QWidget* SettingsPage::Bind(Kind kind, QWidget* widget, const char* name, const 
     widget->setProperty(kBoundProperty, static_cast<int>(bounds_.size()));
     widget->installEventFilter(this);
     bounds_.push_back({kind, name, widget, &array, index, nullptr, HasHandler(name), {}});
+    if (kind == Kind::Check || kind == Kind::Option) ConnectClick(widget, name, index);
     return widget;
+}
+
+// A click is tried on the record; what it then shows is what the image holds.
+void SettingsPage::ConnectClick(QWidget* widget, const char* name, int index) {
+    auto* button = static_cast<QAbstractButton*>(widget);
+    connect(button, &QAbstractButton::clicked, this, [this, button, name, index](bool checked) {
+        window_.Run([&] {
+            if (!SettingsTakeFocus()) return;
+            const bool option = qobject_cast<QRadioButton*>(button) != nullptr;
+            Control& record = option                                   ? optSetting[index]
+                              : std::string_view(name) == "chkSetting" ? chkSetting[index]
+                                                                       : chkSettingBit[index];
+            record.Value = option || checked ? 1 : 0;
+            CommandOf(name).Click(index);
+        });
+    });
 }
 
 QWidget* SettingsPage::BindSingle(Kind kind, QWidget* widget, const char* name, const Control& record) {
@@ -181,6 +204,8 @@ QWidget* SettingsPage::BindSingle(Kind kind, QWidget* widget, const char* name, 
 QGroupBox* SettingsPage::BuildFrame(int frame) {
     auto* box = new QGroupBox;
     box->setObjectName(MemberName("FraSettings", frame));
+    box->setProperty(kFrameProperty, frame);
+    box->installEventFilter(this);
     auto* grid = new QGridLayout(box);
     const int gap = GapOf(this, 0.3);
     grid->setHorizontalSpacing(gap * 2);
@@ -394,33 +419,90 @@ QString SettingsPage::ToolTipOf(const Bound& bound) {
     return field.isEmpty() ? later : field + QLatin1Char('\n') + later;
 }
 
-bool SettingsPage::eventFilter(QObject* object, QEvent* event) {
-    const QVariant place = object->property(kBoundProperty);
-    if (!place.isValid()) return QScrollArea::eventFilter(object, event);
-    const Bound& bound = bounds_[static_cast<std::size_t>(place.toInt())];
+// The box has lost the focus: what was typed goes into the image, and the box shows what is stored.
+void SettingsPage::Leave(Bound& bound) {
+    if (!bound.Handled || !SettingsTakeFocus()) return;
+    auto* edit = static_cast<QLineEdit*>(bound.Widget);
+    bound.Text = edit->text().toStdString();
+    edit->setModified(false);
+    const int index = bound.Index;
+    if (bound.What == Kind::Text) {
+        if (!txtSetting[index].Locked) {
+            txtSetting[index].Text = bound.Text;
+            window_.Run([index] { CommandOf("txtSetting").Click(index); });
+        }
+    } else {
+        Text1.Text = bound.Text;
+        window_.Run([] { CommandOf("Text1").Click(-1); });
+    }
+}
+
+void SettingsPage::CommitFocused() {
+    for (Bound& bound : bounds_) {
+        const bool isBox = bound.What == Kind::Text || bound.What == Kind::Entry;
+        if (isBox && bound.Widget->hasFocus() && static_cast<QLineEdit*>(bound.Widget)->isModified())
+            Leave(bound);
+    }
+}
+
+bool SettingsPage::ControlEvent(Bound& bound, QEvent* event) {
     const bool clicks = bound.What == Kind::Check || bound.What == Kind::Option;
+    const bool isBox = bound.What == Kind::Text || bound.What == Kind::Entry;
     switch (event->type()) {
         case QEvent::ToolTip: {
             const QString text = ToolTipOf(bound);
-            if (text.isEmpty()) break;
+            if (text.isEmpty()) return false;
             QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text, bound.Widget);
             return true;
         }
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-            if (clicks && !bound.Handled) return true;
-            break;
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease: {
+        case QEvent::FocusIn:
+            if ((isBox || clicks || bound.What == Kind::Notes) && !SettingsTakeFocus())
+                window_.LeaveControls();
+            return false;
+        case QEvent::FocusOut:
+            if (isBox && !entered_ && !window_.Mirrors() &&
+                IsLeft(static_cast<QFocusEvent*>(event)->reason()))
+                Leave(bound);
+            return false;
+        case QEvent::KeyPress: {
             const int key = static_cast<QKeyEvent*>(event)->key();
-            if (clicks && !bound.Handled && (key == Qt::Key_Space || key == Qt::Key_Select)) return true;
-            break;
+            if (!isBox || (key != Qt::Key_Return && key != Qt::Key_Enter)) return false;
+            // Enter stores once; that the focus goes then is no second leave.
+            if (bound.What == Kind::Text) {
+                Leave(bound);
+                entered_ = true;
+            }
+            window_.LeaveControls();
+            entered_ = false;
+            return true;
         }
+        case QEvent::MouseButtonRelease:
+            if (bound.What == Kind::BlockText && bound.Handled &&
+                static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
+                CommandOf(bound.Name).Click(bound.Index);
+            return false;
         default:
-            break;
+            return false;
     }
-    return QScrollArea::eventFilter(object, event);
+}
+
+// A click beside the controls stores the box that was open; the right button opens the frame's menu.
+bool SettingsPage::FrameEvent(int frame, QEvent* event) {
+    if (event->type() != QEvent::MouseButtonPress) return false;
+    const auto* press = static_cast<QMouseEvent*>(event);
+    window_.LeaveControls();
+    if (press->button() == Qt::RightButton) window_.OpenFrameMenu(frame, press->globalPosition().toPoint());
+    return true;
+}
+
+bool SettingsPage::eventFilter(QObject* object, QEvent* event) {
+    bool taken = false;
+    if (const QVariant place = object->property(kBoundProperty); place.isValid()) {
+        taken = ControlEvent(bounds_[static_cast<std::size_t>(place.toInt())], event);
+    } else if (const QVariant frame = object->property(kFrameProperty); frame.isValid()) {
+        taken = FrameEvent(frame.toInt(), event);
+    }
+    return taken || QScrollArea::eventFilter(object, event);
 }
 
 }  // namespace zandrel

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QScrollArea>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,11 +17,23 @@ namespace zandrel {
 
 class SettingsPage : public QScrollArea {
   public:
+    /// What a page asks of its window: to run an action and show what came of it, to take the focus away from
+    /// the controls, and to open the menu of a frame.
+    struct Window {
+        std::function<void(const std::function<void()>& action)> Run;
+        std::function<void()> LeaveControls;
+        std::function<void(int frame, const QPoint& place)> OpenFrameMenu;
+        std::function<bool()> Mirrors;  // a focus that is lost now was not left by the user
+    };
+
     /// Builds the page of tab `tab` from the records as they are now.
-    explicit SettingsPage(int tab, QWidget* parent = nullptr);
+    SettingsPage(int tab, Window window, QWidget* parent = nullptr);
 
     /// Brings the widgets in step with their records; touches only what has changed.
     void Mirror();
+
+    /// Stores what was typed into the box that has the focus, before a command works on the image.
+    void CommitFocused();
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -62,7 +75,14 @@ class SettingsPage : public QScrollArea {
     static void NameFlagOrOption(const Bound& bound);
     static QString ToolTipOf(const Bound& bound);
 
+    bool ControlEvent(Bound& bound, QEvent* event);
+    bool FrameEvent(int frame, QEvent* event);
+    void Leave(Bound& bound);
+    void ConnectClick(QWidget* widget, const char* name, int index);
+
     int tab_;
+    Window window_;
+    bool entered_ = false;  // Enter has stored a box already, which now loses the focus
     std::vector<BoundFrame> frames_;
     std::vector<Bound> bounds_;
 };

@@ -1,0 +1,72 @@
+#include "shell/windows/gridedit.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <utility>
+
+#include "shell/windows/mapgrid.h"
+#include "shell/windows/shown.h"
+#include "tuning/mapediting.h"
+
+namespace zandrel {
+
+bool IsLeft(Qt::FocusReason reason) {
+    return reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason &&
+           reason != Qt::MenuBarFocusReason;
+}
+
+GridEdit::GridEdit(Runner run, QWidget* parent) : QLineEdit(parent), run_(std::move(run)) {
+    setObjectName(QStringLiteral("txtGrid"));
+    setTextMargins(0, 0, 0, 0);
+    connect(this, &QLineEdit::textEdited, this,
+            [](const QString& text) { txtGrid.Text = text.toStdString(); });
+    hide();
+}
+
+void GridEdit::Mirror(MapGridView* grid) {
+    if (txtGrid.Visible && (grid == nullptr || !grid->isVisible())) CancelGridEdit();
+    if (!txtGrid.Visible) {
+        if (!isHidden()) Close();
+    } else if (opening_ != txtGrid.Openings) {
+        Open(grid);
+    }
+}
+
+void GridEdit::Open(MapGridView* grid) {
+    opening_ = txtGrid.Openings;
+    if (parentWidget() != grid->viewport()) setParent(grid->viewport());
+    grid_ = grid;
+    setFont(grid->CellFont());
+    grid->PlaceBox(this);
+    setText(Shown(txtGrid.Text));
+    if (txtGrid.SelectAll) {
+        selectAll();
+    } else {
+        setCursorPosition(txtGrid.SelStart);
+    }
+    show();
+    setFocus();
+}
+
+void GridEdit::Close() {
+    const bool focused = hasFocus();
+    hide();
+    if (focused) grid_->setFocus();
+}
+
+void GridEdit::keyPressEvent(QKeyEvent* event) {
+    const int key = event->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {
+        run_([key] { txtGrid_KeyPress(key == Qt::Key_Escape ? 27 : 13); });
+        event->accept();
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void GridEdit::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (txtGrid.Visible && IsLeft(event->reason())) run_(txtGrid_LostFocus);
+}
+
+}  // namespace zandrel

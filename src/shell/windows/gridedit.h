@@ -1,0 +1,35 @@
+// The text box that opens in a map cell, one for all maps. It mirrors `txtGrid` and keeps its text in step.
+#pragma once
+
+#include <QLineEdit>
+#include <functional>
+
+namespace zandrel {
+
+class MapGridView;
+
+class GridEdit : public QLineEdit {
+  public:
+    using Runner = std::function<void(const std::function<void()>& action)>;
+    GridEdit(Runner run, QWidget* parent);
+
+    /// Opens on `grid`, the map that the box edits, or closes.
+    void Mirror(MapGridView* grid);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+  private:
+    void Open(MapGridView* grid);
+    void Close();
+
+    Runner run_;
+    MapGridView* grid_ = nullptr;
+    unsigned opening_ = 0;
+};
+
+/// True if a box that loses the focus for `reason` is left: not for a menu over it or another window.
+bool IsLeft(Qt::FocusReason reason);
+
+}  // namespace zandrel
