@@ -6,10 +6,12 @@
 #include <QAbstractButton>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QTabBar>
 #include <QToolTip>
 #include <QtTest/QTest>
 
+#include "image/image.h"
 #include "link/progress.h"
 #include "link/transfers.h"
 #include "shell/windows/windowfixture.h"
@@ -33,19 +35,22 @@ class Commands : public WindowTest {
     }
 };
 
-TEST_F(Commands, SendingWithoutAHandler_IsDisabledWhateverTheRecordSays) {
+TEST_F(Commands, SendingButtons_FollowTheirRecords) {
     ShowAt(1280, 800);
     ShowBuild("RB26DETT6.42");
-    for (Control* record : {&cmdWriteAll, &cmdUpdate, &optAutoUpdate}) record->Enabled = true;
-    Main.Mirror();
-    for (const char* name : {"cmdWriteAll", "cmdUpdate", "optAutoUpdate", "cmdWriteMap(0)"}) {
-        auto* button = Named<QAbstractButton>(QString::fromLatin1(name));
-        EXPECT_FALSE(button->isEnabled()) << name;
-        EXPECT_EQ(button->toolTip().toStdString(), "Sending to the Power-FC is not part of this version.")
-            << name;
+    for (const bool enabled : {true, false}) {
+        for (Control* record : {&cmdWriteAll, &cmdUpdate, &cmdReadMap[0], &cmdWriteMap[0]})
+            record->Enabled = enabled;
+        Main.Mirror();
+        for (const char* name : {"cmdWriteAll", "cmdUpdate", "cmdReadMap(0)", "cmdWriteMap(0)"}) {
+            EXPECT_EQ(Named<QAbstractButton>(QString::fromLatin1(name))->isEnabled(), enabled) << name;
+        }
+    }
+    for (const char* name : {"cmdReadAll", "cmdWriteAll", "cmdUpdate", "optAutoUpdate", "cmdWriteMap(0)"}) {
+        EXPECT_FALSE(Named<QAbstractButton>(QString::fromLatin1(name))->toolTip().isEmpty()) << name;
     }
     EXPECT_TRUE(Named<QAbstractButton>("cmdReadAll")->isEnabled());
-    EXPECT_TRUE(Named<QAbstractButton>("cmdReadMap(0)")->isEnabled());
+    EXPECT_TRUE(Named<QAbstractButton>("optAutoUpdate")->isEnabled());
 }
 
 TEST_F(Commands, CurveButtons_AreNamedAndSayThatTheyComeLater) {
@@ -58,12 +63,15 @@ TEST_F(Commands, CurveButtons_AreNamedAndSayThatTheyComeLater) {
     EXPECT_EQ(ToolTipOver(button), "Editing curves is not part of this version.");
 }
 
-TEST_F(Commands, TextBoxes_CanBeCopiedFromButNotTypedInto) {
+TEST_F(Commands, LockedTextBox_CanBeCopiedFromButNotTypedInto) {
     ShowAt(1280, 800);
     ShowBuild("RB26DETT6.42");
     ClickTab(6);
+    txtSetting[120].Locked = true;
+    Main.Mirror();
     auto* box = Member<QLineEdit>("txtSetting", 120);
     const QString before = box->text();
+    const ByteString stored = ReadData[0x8B];
     QTest::mouseClick(box, Qt::LeftButton);
     QTest::keyClicks(box, "123");
     QTest::keyClick(box, Qt::Key_Delete);
@@ -71,22 +79,26 @@ TEST_F(Commands, TextBoxes_CanBeCopiedFromButNotTypedInto) {
     EXPECT_TRUE(box->isEnabled());
     QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(box->selectedText(), before);
-    EXPECT_EQ(ToolTipOver(box),
-              FieldToolTip(txtSetting[120].Tag).toStdString() + "\nEditing is not part of this version.");
+    QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_EQ(ReadData[0x8B], stored);
+    EXPECT_EQ(ToolTipOver(box), FieldToolTip(txtSetting[120].Tag).toStdString());
 }
 
-TEST_F(Commands, ChecksAndOptions_LookNormalAndStayPut) {
+TEST_F(Commands, Notes_CanBeCopiedFromAndSayThatTheyComeLater) {
+    ShowAt(1280, 800);
+    ShowBuild("RB26DETT6.42");
+    auto* notes = Named<QPlainTextEdit>("txtNotes");
+    EXPECT_TRUE(notes->isReadOnly());
+    EXPECT_TRUE(notes->isEnabled());
+    EXPECT_EQ(ToolTipOver(notes), "Editing notes is not part of this version.");
+}
+
+TEST_F(Commands, ChecksAndOptions_AreNamed) {
     ShowAt(1280, 800);
     ShowBuild("RB26DETT6.42");
     ClickTab(6);
     for (const char* name : {"chkSetting(140)", "chkSetting(180)", "optSetting(100)", "optSetting(101)"}) {
-        auto* button = Named<QAbstractButton>(QString::fromLatin1(name));
-        const bool before = button->isChecked();
-        EXPECT_TRUE(button->isEnabled()) << name;
-        Click(button);
-        button->setFocus();
-        QTest::keyClick(button, Qt::Key_Space);
-        EXPECT_EQ(button->isChecked(), before) << name;
+        EXPECT_TRUE(Named<QAbstractButton>(QString::fromLatin1(name))->isEnabled()) << name;
     }
     EXPECT_EQ(Member<QAbstractButton>("chkSetting", 180)->text(), "Flag 1");
     EXPECT_EQ(Member<QAbstractButton>("chkSetting", 189)->text(), "Flag 10");
@@ -106,14 +118,19 @@ TEST_F(Commands, WhileALongOperationRuns_NothingCanBeStarted) {
     ShowAt(1280, 800);
     ShowBuild("RB26DETT6.42");
     ClickTab(0);
+    for (Control* record : {&cmdWriteAll, &cmdUpdate}) record->Enabled = true;
     {
         const LongOperation running;
         Main.Mirror();
-        for (const char* name : {"mnuReadAll", "mnuReadMap", "mnuScan", "mnuComAuto", "mnuCom(0)"}) {
+        for (const char* name : {"mnuReadAll", "mnuReadMap", "mnuWriteAll", "mnuWriteMap", "mnuUpdate",
+                                 "mnuInitAllData", "mnuRead", "mnuWrite", "mnuUndo", "mnuGridInterpolate",
+                                 "mnuReCalcBase", "mnuScan", "mnuComAuto", "mnuCom(0)"}) {
             EXPECT_FALSE(Item(QString::fromLatin1(name))->isEnabled()) << name;
         }
         EXPECT_FALSE(Named<QAbstractButton>("cmdReadAll")->isEnabled());
-        EXPECT_FALSE(Named<QAbstractButton>("cmdReadMap(0)")->isEnabled());
+        for (const char* name : {"cmdReadMap(0)", "cmdWriteMap(0)", "cmdWriteAll", "cmdUpdate"}) {
+            EXPECT_FALSE(Named<QAbstractButton>(QString::fromLatin1(name))->isEnabled()) << name;
+        }
     }
     Main.Mirror();
     EXPECT_TRUE(Item("mnuReadAll")->isEnabled());
@@ -131,18 +148,41 @@ TEST_F(Commands, About_NamesTheVersion) {
 }
 
 TEST_F(Commands, EveryNameOfAWindow_HasARow) {
-    for (const char* name : {"cmdReadAll",       "cmdWriteAll",
-                             "cmdUpdate",        "optAutoUpdate",
-                             "cmdReadMap",       "cmdWriteMap",
-                             "cmdEditCurve",     "txtSetting",
-                             "chkSetting",       "chkSettingBit",
-                             "optSetting",       "Text1",
-                             "txtNotes",         "mnuScan",
-                             "mnuCom",           "mnuComAuto",
-                             "mnuComShowAll",    "mnuSetupCorvaneVer",
-                             "mnuMapRefLabels",  "mnuSetupMapColourScheme",
-                             "mnuInjMapDisplay", "mnuBaseMapDisplay",
-                             "comMapType",       "chkSplit"}) {
+    for (const char* name : {"cmdReadAll",
+                             "cmdWriteAll",
+                             "cmdUpdate",
+                             "optAutoUpdate",
+                             "cmdReadMap",
+                             "cmdWriteMap",
+                             "cmdEditCurve",
+                             "txtSetting",
+                             "chkSetting",
+                             "chkSettingBit",
+                             "optSetting",
+                             "lblSetting",
+                             "Text1",
+                             "txtNotes",
+                             "mnuUndo",
+                             "mnuRedo",
+                             "mnuRead",
+                             "mnuWrite",
+                             "mnuInitAllData",
+                             "mnuScan",
+                             "mnuCom",
+                             "mnuComAuto",
+                             "mnuComShowAll",
+                             "mnuSetupCorvaneVer",
+                             "mnuGridCopy",
+                             "mnuGridPaste",
+                             "mnuGridInterpolate",
+                             "mnuMapRefLabels",
+                             "mnuSetupMapColourScheme",
+                             "mnuInjMapDisplay",
+                             "mnuSetupInjMapStoich",
+                             "mnuBaseMapDisplay",
+                             "mnuReCalcBase",
+                             "comMapType",
+                             "chkSplit"}) {
         EXPECT_EQ(CommandOf(name).Name, name);
     }
     EXPECT_FALSE(HasHandler("cmdNothing"));

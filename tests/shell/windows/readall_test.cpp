@@ -67,7 +67,8 @@ TEST_F(ReadAllByClick, PortChosen_FillsAllTabs) {
     ClickTab(0);
     EXPECT_EQ(Member<QTableView>("Grid", 0)->model()->index(0, 0).data().toString().toStdString(),
               GridCellText(0, 1, 1));
-    EXPECT_FALSE(Named("cmdWriteAll")->isEnabled());
+    EXPECT_TRUE(Named("cmdWriteAll")->isEnabled());
+    EXPECT_FALSE(Named("cmdUpdate")->isEnabled());
     EXPECT_EQ(Main.windowTitle(), "Zandrel [RB26DETT v6.42] - Unsaved Data");
 }
 

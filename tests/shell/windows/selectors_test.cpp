@@ -177,7 +177,7 @@ TEST_F(Selectors, PortMenu_OffersWhatExistsAndSaysSoWhenNothingDoes) {
 TEST_F(Selectors, MenusHoldWhatExistsNow) {
     QStringList titles;
     for (const QAction* menu : Main.menuBar()->actions()) titles.push_back(menu->text());
-    EXPECT_EQ(titles.join(' ').toStdString(), "&File &Power-FC P&ort &Setup &Maps &Help");
+    EXPECT_EQ(titles.join(' ').toStdString(), "&File &Edit &Power-FC P&ort &Setup &Maps &Help");
 }
 
 }  // namespace
