@@ -2,9 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
+
 #include "image/accessors.h"
 #include "support/cleanstate.h"
+#include "support/scripteddesktop.h"
+#include "tuning/binding.h"
 #include "tuning/display.h"
+#include "util/desktop.h"
+#include "util/numbers.h"
 
 namespace zandrel {
 namespace {
@@ -213,14 +220,29 @@ TEST_F(Maps, CompareMode_ShowsTheDifferenceInRedAndGreyWithoutAPartner) {
     CompareMapIndex = {0, 6, 6, 6, 6, 6};
     Cell(0, 1, 1, 128);
     MapCompare[0][1][1] = 192;
-    EXPECT_EQ(GridCellText(0, 1, 1), "0.250");
-    EXPECT_EQ(GridCellColourSet(0, 1, 1), 255U);
+    DisplayAllMaps();
+    EXPECT_EQ(Grid[0].TextMatrix[1][1], "0.250");
+    EXPECT_EQ(Grid[0].CellBackColor[1][1], 255U);
     MapCompare[0][1][1] = 128;
-    EXPECT_EQ(GridCellText(0, 1, 1), "0.000");
-    EXPECT_EQ(GridCellColourSet(0, 1, 1), 0U);
-    EXPECT_EQ(GridCellColourSet(1, 1, 1), 0xE0E0E0U);
+    DisplayMap(0, true);
+    EXPECT_EQ(Grid[0].TextMatrix[1][1], "0.000");
+    EXPECT_EQ(Grid[0].CellBackColor[1][1], 0U);
+    EXPECT_EQ(Grid[1].CellBackColor[1][1], 0xE0E0E0U);
     Cell(1, 1, 1, 40);
-    EXPECT_EQ(GridCellText(1, 1, 1), "40");
+    DisplayMap(1, true);
+    EXPECT_EQ(Grid[1].TextMatrix[1][1], "40");
+    EXPECT_EQ(Grid[1].CellBackColor[1][1], 0xE0E0E0U);
+}
+
+TEST_F(Maps, ColourWhileComparing_GoesByTheTextInTheGrid) {
+    Read("RB26DETT6.42");
+    mnuCompare.Checked = true;
+    CompareMapIndex[0] = 0;
+    for (const auto& [text, colour] :
+         {std::pair("0.250", 255U), {"-0.001", 255U}, {"0.000", 0U}, {"0", 0U}, {"", 0U}, {"abc", 0U}}) {
+        Grid[0].TextMatrix[1][1] = text;
+        EXPECT_EQ(GridCellColourSet(0, 1, 1), colour) << text;
+    }
 }
 
 TEST_F(Maps, RedToGreen_OfTheInjectionMap) {
@@ -390,6 +412,461 @@ TEST_F(Maps, MapTables_AreSinglesAndTheArithmeticIsDouble) {
     EXPECT_EQ(GridCellText(BaseMapIndex, 1, 1), "262.140");
     MapFormat[BaseMapIndex] = "0.0000000";
     EXPECT_EQ(GridCellText(BaseMapIndex, 1, 1), "262.1400125");
+}
+
+// ---- the way back: from text to raw value
+
+constexpr std::int32_t kUntouched = -77;
+
+// The raw value of `text`; kUntouched if there is none.
+std::int32_t RawOf(int map, const std::string& text, int row = 2, int column = 3) {
+    std::int32_t raw = kUntouched;
+    const bool worked = MapTextToRaw(map, text, row, column, raw);
+    EXPECT_EQ(worked, raw != kUntouched) << text;
+    return raw;
+}
+
+std::string Digits(double value) {
+    return FormatNumber(value, "0.0000000000");
+}
+
+TEST_F(Maps, TextToRaw_OfTheInjectionMapInItsThreeModes) {
+    Read("RB26DETT6.42");
+    StoichAF = 15.25;
+    for (int raw = 0; raw <= 255; ++raw) {
+        const double correction = raw / 256.0 + 0.5;
+        InjMapDisplay = 0;
+        EXPECT_EQ(RawOf(0, Digits(correction)), raw);
+        InjMapDisplay = 1;
+        EXPECT_EQ(RawOf(0, Digits(1 / correction)), raw);
+        InjMapDisplay = 2;
+        EXPECT_EQ(RawOf(0, Digits(15.25 / correction)), raw);
+    }
+}
+
+TEST_F(Maps, TextToRaw_OfTheOtherMaps) {
+    Read("13B-REW7.07");
+    for (int raw = 0; raw <= 255; ++raw) {
+        EXPECT_EQ(RawOf(1, std::to_string(raw - 25)), raw);
+        EXPECT_EQ(RawOf(2, std::to_string(raw - 25)), raw);
+    }
+    // No way back from the distance: what is typed is a value of this map.
+    chkSplit[2].Value = 1;
+    Cell(1, 2, 3, 100);
+    EXPECT_EQ(RawOf(2, "10"), 35);
+    Read("RB26DETT6.42");
+    EXPECT_EQ(RawOf(1, "40"), 40);
+}
+
+TEST_F(Maps, TextToRaw_OfTheBaseMapWithOneKindOfInjectors) {
+    BaseCell("1JZ-GTE23.12");
+    txtSetting[500].Text = "80.0";
+    const int map = BaseMapIndex;
+    Cell(0, 2, 3, 64);  // 0.75
+    for (int raw = 0; raw <= 65535; raw += 13) {
+        const double base = raw * 0.004;
+        BaseMapDisplay = 0;
+        EXPECT_EQ(RawOf(map, Digits(base)), raw);
+        BaseMapDisplay = 1;
+        EXPECT_EQ(RawOf(map, Digits(base * 0.75)), raw);
+        const double open = base * 0.75 * 0.8 / 2;  // of the 20 ms that a revolution takes
+        BaseMapDisplay = 2;
+        EXPECT_EQ(RawOf(map, Digits(20 - open)), raw);
+        BaseMapDisplay = 3;
+        EXPECT_EQ(RawOf(map, Digits(open * 5)), raw);
+    }
+}
+
+TEST_F(Maps, TextToRaw_OfTheBaseMapWithTwoKindsOfInjectors) {
+    BaseCell("13B-REW7.07");
+    txtSetting[500].Text = "";  // counts on other builds
+    txtSetting[1500].Text = "50.0";
+    txtSetting[1502].Text = "550";
+    txtSetting[1503].Text = "1650";
+    const int map = BaseMapIndex;
+    for (int raw = 0; raw <= 65535; raw += 13) {
+        const double open = raw * 0.004 * 0.5 / 4;
+        BaseMapDisplay = 2;
+        EXPECT_EQ(RawOf(map, Digits(20 - open)), raw);
+        BaseMapDisplay = 3;
+        EXPECT_EQ(RawOf(map, Digits(open * 5)), raw);
+    }
+}
+
+TEST_F(Maps, TextToRaw_TakesSpeedAndInjectionOfItsOwnCell) {
+    BaseCell("B18C2.02B");
+    Cell(0, 5, 6, 0);  // 0.5
+    MapRefRpm[1][5] = 6000;
+    MapRefRpm[2][2] = 1500;
+    MapRefRpm[2][5] = 1000;
+    const int map = BaseMapIndex;
+    BaseMapDisplay = 1;
+    EXPECT_EQ(RawOf(map, "4", 2, 3), 1000);
+    EXPECT_EQ(RawOf(map, "4", 5, 6), 2000);
+    BaseMapDisplay = 2;
+    EXPECT_EQ(RawOf(map, "18", 2, 3), 1000);
+    EXPECT_EQ(RawOf(map, "8", 5, 6), 2000);       // 2 ms of 10
+    EXPECT_EQ(RawOf(map + 1, "38", 2, 3), 1000);  // 2 ms of 40
+    EXPECT_EQ(RawOf(map + 1, "58", 5, 6), 2000);  // 2 ms of 60
+}
+
+// What the format tells apart comes back as it was, in every mode.
+TEST_F(Maps, EveryRawValueShown_ComesBack) {
+    Read("13B-REW7.07");
+    for (InjMapDisplay = 0; InjMapDisplay <= 2; ++InjMapDisplay) {
+        for (int raw = 0; raw <= 255; ++raw) {
+            Cell(0, 2, 3, raw);
+            EXPECT_EQ(RawOf(0, GridCellText(0, 2, 3)), raw) << InjMapDisplay;
+        }
+    }
+    InjMapDisplay = 1;  // how the injection map shows makes no difference to the others
+    for (int raw = 0; raw <= 255; ++raw) {
+        Cell(1, 2, 3, raw);
+        EXPECT_EQ(RawOf(1, GridCellText(1, 2, 3)), raw);
+    }
+    for (const char* key : {"13B-REW7.07", "1JZ-GTE23.12"}) {
+        BaseCell(key);
+        txtSetting[1500].Text = "90.0";
+        txtSetting[1502].Text = "800";
+        txtSetting[1503].Text = "550";
+        txtSetting[500].Text = "90.0";
+        Cell(0, 2, 3, 255);
+        for (BaseMapDisplay = 0; BaseMapDisplay <= 3; ++BaseMapDisplay) {
+            for (int raw = 0; raw <= 65535; ++raw) {
+                Cell(BaseMapIndex, 2, 3, raw);
+                ASSERT_EQ(RawOf(BaseMapIndex, GridCellText(BaseMapIndex, 2, 3)), raw)
+                    << key << BaseMapDisplay;
+            }
+        }
+    }
+}
+
+TEST_F(Maps, TextToRaw_IsLimitedToTheMap) {
+    BaseCell("1JZ-GTE23.12");
+    for (const auto& [text, raw] : {std::pair("-1", 0),
+                                    {"0.499", 0},
+                                    {"0.5", 0},
+                                    {"1.49609375", 255},
+                                    {"1.497", 255},
+                                    {"1e300", 255},
+                                    {"-1e300", 0}})
+        EXPECT_EQ(RawOf(0, text), raw) << text;
+    for (const auto& [text, raw] :
+         {std::pair("-0.001", 0), {"262.14", 65535}, {"262.2", 65535}, {"1e300", 65535}})
+        EXPECT_EQ(RawOf(BaseMapIndex, text), raw) << text;
+    for (const auto& [text, raw] : {std::pair("-1", 0), {"255.4", 255}, {"256", 255}})
+        EXPECT_EQ(RawOf(1, text), raw) << text;
+    InjMapDisplay = 1;
+    for (const auto& [text, raw] : {std::pair("2.1", 0), {"0.6", 255}, {"-1", 0}, {"1e-300", 255}})
+        EXPECT_EQ(RawOf(0, text), raw) << text;
+    MapMin[1] = 10;
+    MapMax[1] = 20;
+    for (const auto& [text, raw] : {std::pair("9", 10), {"10", 10}, {"15", 15}, {"20", 20}, {"21", 20}})
+        EXPECT_EQ(RawOf(1, text), raw) << text;
+}
+
+TEST_F(Maps, TextToRaw_HalfAStepGoesToTheEvenOne) {
+    Read("13B-REW7.07");
+    for (const auto& [text, raw] : {std::pair("0.501953125", 0), {"0.505859375", 2}, {"0.509765625", 2}})
+        EXPECT_EQ(RawOf(0, text), raw) << text;
+    for (const auto& [text, raw] :
+         {std::pair("-24.5", 0), {"-23.5", 2}, {"-22.5", 2}, {"-21.5", 4}, {"229.5", 254}})
+        EXPECT_EQ(RawOf(1, text), raw) << text;
+}
+
+TEST_F(Maps, TextToRaw_ZeroInLambdaAndAirFuelRatioIsTheMost) {
+    Read("RB26DETT6.42");
+    MapMax[0] = 200;
+    for (InjMapDisplay = 1; InjMapDisplay <= 2; ++InjMapDisplay) {
+        for (const char* zero : {"0", "0.000", "-0", "+0", ".0", "0e5", "&H0", "1e-400"})
+            EXPECT_EQ(RawOf(0, zero), 200) << zero;
+    }
+}
+
+TEST_F(Maps, TextToRaw_OfNoNumberLeavesTheRawValue) {
+    BaseCell("1JZ-GTE23.12");
+    for (const char* text : {"",   " ",     "abc",    "1.2x", "x1.2", "1,2", "1 2", "--1", ".",    "e5",
+                             "1e", "1e400", "-1e400", "inf",  "-inf", "nan", "&H",  "&HG", "0x10", "*2"}) {
+        for (int mode = 0; mode <= 3; ++mode) {
+            InjMapDisplay = std::min(mode, 2);
+            BaseMapDisplay = mode;
+            for (int map = 0; map <= BaseMapIndex; ++map)
+                EXPECT_EQ(RawOf(map, text), kUntouched) << map << text;
+        }
+    }
+}
+
+TEST_F(Maps, TextToRaw_InAnUnknownModeHasNone) {
+    BaseCell("1JZ-GTE23.12");
+    for (const int mode : {-1, 3, 7}) {
+        InjMapDisplay = mode;
+        EXPECT_EQ(RawOf(0, "1"), kUntouched) << mode;
+    }
+    for (const int mode : {-1, 4, 7}) {
+        BaseMapDisplay = mode;
+        EXPECT_EQ(RawOf(BaseMapIndex, "1"), kUntouched) << mode;
+    }
+}
+
+TEST_F(Maps, TextToRaw_WithoutSpeedOrInjectorHasNone) {
+    BaseCell("1JZ-GTE23.12");
+    const int map = BaseMapIndex;
+    for (BaseMapDisplay = 2; BaseMapDisplay <= 3; ++BaseMapDisplay) {
+        EXPECT_EQ(RawOf(map, "5", 2, 4), kUntouched);  // its column's speed is 0
+        for (const char* none : {"", "0.0", "abc"}) {
+            txtSetting[500].Text = none;
+            EXPECT_EQ(RawOf(map, "5"), kUntouched) << none;
+        }
+        txtSetting[500].Text = "100.0";
+        EXPECT_NE(RawOf(map, "5"), kUntouched);
+    }
+    for (BaseMapDisplay = 0; BaseMapDisplay <= 1; ++BaseMapDisplay) {
+        txtSetting[500].Text = "";
+        EXPECT_NE(RawOf(map, "5", 2, 4), kUntouched);
+    }
+}
+
+TEST_F(Maps, TextToRaw_WithAnInjectorMissingHasNone) {
+    BaseCell("13B-REW7.07");
+    for (BaseMapDisplay = 2; BaseMapDisplay <= 3; ++BaseMapDisplay) {
+        for (const int missing : {1500, 1502, 1503}) {
+            for (const char* none : {"", "abc"}) {
+                txtSetting[1500].Text = "50.0";
+                txtSetting[1502].Text = txtSetting[1503].Text = "550";
+                txtSetting[missing].Text = none;
+                EXPECT_EQ(RawOf(BaseMapIndex, "5"), kUntouched) << missing;
+            }
+        }
+        for (const int zero : {1500, 1502}) {
+            txtSetting[1500].Text = "50.0";
+            txtSetting[1502].Text = txtSetting[1503].Text = "550";
+            txtSetting[zero].Text = "0";
+            EXPECT_EQ(RawOf(BaseMapIndex, "5"), kUntouched) << zero;
+        }
+        txtSetting[1502].Text = "550";
+        txtSetting[1500].Text = "50.0";
+        txtSetting[1503].Text = "0";  // no second injectors
+        EXPECT_NE(RawOf(BaseMapIndex, "5"), kUntouched);
+    }
+}
+
+TEST_F(Maps, TextToRaw_OverAnInjectionValueOfZeroHasNone) {
+    BaseCell("1JZ-GTE23.12");
+    MapOffset[0] = 0;
+    Cell(0, 2, 3, 0);
+    for (BaseMapDisplay = 1; BaseMapDisplay <= 3; ++BaseMapDisplay) {
+        EXPECT_EQ(RawOf(BaseMapIndex, "5"), kUntouched) << BaseMapDisplay;
+        EXPECT_EQ(RawOf(BaseMapIndex, "0"), kUntouched) << BaseMapDisplay;
+    }
+    BaseMapDisplay = 0;
+    EXPECT_EQ(RawOf(BaseMapIndex, "4"), 1000);
+}
+
+TEST_F(Maps, TextToRawOfTheCellInCompareMode_RestsOnTheImage) {
+    BaseCell("1JZ-GTE23.12");
+    mnuCompare.Checked = true;
+    CompareMapIndex[0] = 0;
+    MapCompare[0][2][3] = 0;
+    BaseMapDisplay = 1;
+    EXPECT_EQ(RawOf(BaseMapIndex, "4"), 1000);
+}
+
+// ---- display
+
+TEST_F(Maps, DisplayMap_FillsEveryCellAndWithColourItsColour) {
+    Read("1JZ-GTE23.12");
+    std::mt19937 random(7);
+    for (int row = 1; row <= kMapSide; ++row) {
+        for (int column = 1; column <= kMapSide; ++column)
+            Cell(0, row, column, static_cast<int>(random() % 256));
+    }
+    Grid[0].TextMatrix = {};
+    Grid[0].CellBackColor = {};
+    DisplayMap(0, true);
+    for (int row = 1; row <= kMapSide; ++row) {
+        for (int column = 1; column <= kMapSide; ++column) {
+            const auto raw = static_cast<unsigned>(GetCell(0, row, column, false));
+            EXPECT_EQ(Grid[0].TextMatrix[row][column], FormatNumber(raw / 256.0 + 0.5, "0.000"));
+            EXPECT_EQ(Grid[0].CellBackColor[row][column], 256 * raw + 255 - raw);
+        }
+        EXPECT_EQ(Grid[0].TextMatrix[0][row], "");
+        EXPECT_EQ(Grid[0].TextMatrix[row][0], "");
+    }
+}
+
+TEST_F(Maps, DisplayMapWithoutColour_LeavesTheColours) {
+    Read("RB26DETT6.42");
+    DisplayMap(0, true);
+    Cell(0, 1, 1, 100);
+    MapColourScheme = 0;
+    DisplayMap(0, false);
+    EXPECT_EQ(Grid[0].TextMatrix[1][1], GridCellText(0, 1, 1));
+    EXPECT_EQ(Grid[0].CellBackColor[1][1], 255U);
+    DisplayMap(0, true);
+    EXPECT_EQ(Grid[0].CellBackColor[1][1], 0U);
+}
+
+TEST_F(Maps, UnknownColourScheme_LeavesTheColours) {
+    Read("RB26DETT6.42");
+    Cell(0, 1, 1, 100);
+    DisplayMap(0, true);
+    const auto before = Grid[0].CellBackColor;
+    Cell(0, 1, 1, 200);
+    for (const std::int16_t scheme : {std::int16_t{2}, std::int16_t{5}, std::int16_t{-1}}) {
+        MapColourScheme = scheme;
+        DisplayMap(0, true);
+        EXPECT_EQ(Grid[0].CellBackColor, before) << scheme;
+        EXPECT_EQ(Grid[0].TextMatrix[1][1], GridCellText(0, 1, 1)) << scheme;
+    }
+}
+
+TEST_F(Maps, ModeSelector_ShowsTheNewTextsAndLeavesTheColours) {
+    BaseCell("1JZ-GTE23.12");
+    DisplayAllMaps();
+    const auto injection = Grid[0].CellBackColor;
+    const auto base = Grid[BaseMapIndex].CellBackColor;
+    MapColourScheme = 0;
+    mnuInjMapDisplay_Click(1);
+    mnuBaseMapDisplay_Click(3);
+    EXPECT_EQ(Grid[0].CellBackColor, injection);
+    EXPECT_EQ(Grid[BaseMapIndex].CellBackColor, base);
+    EXPECT_EQ(Grid[0].TextMatrix[1][1], "2.000");
+    EXPECT_EQ(Grid[BaseMapIndex].TextMatrix[2][3], "10.000");
+}
+
+TEST_F(Maps, DisplayMap_KeepsTheSelectionAndLetsPaintingGoOn) {
+    Read("RB26DETT6.42");
+    const GridSelection drawn{9, 8, 4, 5};
+    Grid[0].Selection = drawn;
+    for (const bool withColour : {false, true}) {
+        const unsigned before = Grid[0].Revision;
+        DisplayMap(0, withColour);
+        EXPECT_EQ(Grid[0].Selection, drawn);
+        EXPECT_TRUE(Grid[0].Redraw);
+        EXPECT_GT(Grid[0].Revision, before);
+    }
+}
+
+TEST_F(Maps, SavedSelection_ComesBackAndHoldsPaintingMeanwhile) {
+    Grid[1].Selection = {9, 8, 4, 5};
+    GridSelection saved;
+    SaveGridSelection(1, saved);
+    EXPECT_EQ(saved, (GridSelection{9, 8, 4, 5}));
+    EXPECT_FALSE(Grid[1].Redraw);
+    EXPECT_TRUE(Grid[0].Redraw);
+    Grid[1].Selection = {1, 1, 1, 1};
+    const unsigned before = Grid[1].Revision;
+    RestoreGridSelection(1, saved);
+    EXPECT_EQ(Grid[1].Selection, saved);
+    EXPECT_TRUE(Grid[1].Redraw);
+    EXPECT_GT(Grid[1].Revision, before);
+}
+
+TEST_F(Maps, SplitBox_ShowsItsMapAnew) {
+    Read("13B-REW7.07");
+    Cell(1, 5, 6, 45);
+    Cell(2, 5, 6, 40);
+    DisplayAllMaps();
+    chkSplit[2].Value = 1;
+    chkSplit_Click(2);
+    EXPECT_EQ(Grid[2].TextMatrix[5][6], "5");
+    chkSplit[2].Value = 0;
+    chkSplit_Click(2);
+    EXPECT_EQ(Grid[2].TextMatrix[5][6], "15");
+}
+
+// Its neighbour was edited in the meantime.
+TEST_F(Maps, TabOfASplitMap_ShowsItAnewWhenItComesIntoView) {
+    Read("13B-REW7.07");
+    Cell(2, 5, 6, 40);
+    chkSplit[2].Value = 1;
+    DisplayAllMaps();
+    Cell(1, 5, 6, 45);
+    EXPECT_EQ(Grid[2].TextMatrix[5][6], "-40");
+    SSTab1.Tab = 2;
+    SSTab1_Click();
+    EXPECT_EQ(Grid[2].TextMatrix[5][6], "5");
+}
+
+TEST_F(Maps, ListOfAnyOtherMap_ChoosesNoMode) {
+    Read("1JZ-GTE23.12");
+    for (const int map : {1, 3, 4, 5}) {
+        if (map == BaseMapIndex + 1) continue;
+        comMapType[map].ListIndex = 2;
+        comMapType_Click(map);
+        EXPECT_EQ(InjMapDisplay, 0) << map;
+        EXPECT_EQ(BaseMapDisplay, 0) << map;
+    }
+}
+
+// ---- the stoichiometric ratio
+
+TEST_F(Maps, MenuOfTheInjectionMap_ShowsTheRatio) {
+    mnuSetupInjMap_Click();
+    EXPECT_EQ(mnuSetupInjMapStoich.Caption, "Stoich 14.70");
+    StoichAF = 9.876;
+    mnuSetupInjMap_Click();
+    EXPECT_EQ(mnuSetupInjMapStoich.Caption, "Stoich 9.88");
+    tr = [](const std::string& text) { return text == "Stoich" ? std::string("Ratio") : text; };
+    mnuSetupInjMap_Click();
+    EXPECT_EQ(mnuSetupInjMapStoich.Caption, "Ratio 9.88");
+}
+
+// What the dialog gives back after `typed` was typed.
+void EnterStoich(const std::string& typed) {
+    AnswerNumber(NumberEntryText(typed, "0.00"));
+    mnuSetupInjMapStoich_Click();
+}
+
+constexpr const char* kStoichRefused =
+    "Stoich should not be less than 10 or greater than 30. Stoich will not be changed.";
+
+TEST_F(Maps, StoichDialog_AsksForTheRatioInItsFormat) {
+    StoichAF = 15.126;
+    AnswerNumber(std::nullopt);
+    mnuSetupInjMapStoich_Click();
+    EXPECT_EQ(LastNumberEntry().Caption, "Enter Stoichiometric AF");
+    EXPECT_EQ(LastNumberEntry().Format, "0.00");
+    EXPECT_EQ(LastNumberEntry().Text, "15.13");
+    EXPECT_EQ(StoichAF, 15.126);  // cancelled
+    EXPECT_TRUE(NoNumberLeft());
+}
+
+TEST_F(Maps, StoichEntered_IsTakenFromTenToThirty) {
+    for (const auto& [typed, ratio] : {std::pair("10", 10.0),
+                                       {"30", 30.0},
+                                       {"14.7", 14.7},
+                                       {"15,2", 15.2},
+                                       {"30.004", 30.0},
+                                       {"9.996", 10.0},
+                                       {"1.5e1", 15.0},
+                                       {"&HF", 15.0}}) {
+        EnterStoich(typed);
+        EXPECT_EQ(StoichAF, ratio) << typed;
+    }
+}
+
+TEST_F(Maps, StoichOutOfBoundsOrNoNumber_IsRefusedWithAMessage) {
+    for (const char* typed : {"9.99", "30.01", "0", "-15", "", " ", "abc", "15x", "1.5.2", "1,5,2", "inf",
+                              "nan", "1e400", "1e300", "&H"}) {
+        ExpectMessage(kStoichRefused);
+        EnterStoich(typed);
+        EXPECT_TRUE(NoMessageLeft()) << typed;
+        EXPECT_EQ(StoichAF, 14.7) << typed;
+    }
+}
+
+TEST_F(Maps, StoichEntered_ShowsAtTheNextDisplay) {
+    Read("RB26DETT6.42");
+    Cell(0, 1, 1, 128);
+    InjMapDisplay = 2;
+    DisplayAllMaps();
+    const unsigned before = Grid[0].Revision;
+    EnterStoich("29.4");
+    EXPECT_EQ(Grid[0].TextMatrix[1][1], "14.700");
+    EXPECT_EQ(Grid[0].Revision, before);
+    DisplayMap(0, true);
+    EXPECT_EQ(Grid[0].TextMatrix[1][1], "29.400");
 }
 
 }  // namespace

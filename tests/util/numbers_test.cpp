@@ -70,6 +70,34 @@ TEST(LenientNumber, StopsAtTheFirstCharacterThatCannotGoOn) {
     EXPECT_EQ(LenientNumber("1e400"), 0.0);
 }
 
+TEST(LeadingNumber, ReadsAsTheLenientOne_ButTooLargeIsNoValue) {
+    EXPECT_EQ(LeadingNumber("12rpm"), 12.0);
+    EXPECT_EQ(LeadingNumber(" -3.5x"), -3.5);
+    EXPECT_EQ(LeadingNumber("&HA7,4"), 167.0);
+    EXPECT_EQ(LeadingNumber("1e-400"), 0.0);
+    EXPECT_EQ(LeadingNumber("1e308"), 1e308);
+    for (const char* text : {"", " ", "rpm", "inf", "-inf", "nan", "-", "+", ".", "&H", "&HG", "*2", ",5"})
+        EXPECT_EQ(LeadingNumber(text), 0.0) << text;
+    for (const char* text : {"1e400", "-1e400", "1e400x", " 1e309 "})
+        EXPECT_EQ(LeadingNumber(text), std::nullopt) << text;
+}
+
+TEST(WithDecimalPoint, CommaOfATextThatIsANumberThen_BecomesAPoint) {
+    EXPECT_EQ(WithDecimalPoint("0,95"), "0.95");
+    EXPECT_EQ(WithDecimalPoint(",5"), ".5");
+    EXPECT_EQ(WithDecimalPoint("5,"), "5.");
+    EXPECT_EQ(WithDecimalPoint(" -1,25 "), " -1.25 ");
+    EXPECT_EQ(WithDecimalPoint("1,5e3"), "1.5e3");
+}
+
+TEST(WithDecimalPoint, AnyOtherText_StaysAsItIs) {
+    for (const char* text :
+         {"", "0.95", "12", "&HFF", "abc", "a,b", ",", "1,2,3", "1,234.5", "1.234,5", "0,95x", "x0,95", "1,e",
+          "1e400,5", "1,5e400", "1 ,5", "1, 5", "inf,5", "*0,95"}) {
+        EXPECT_EQ(WithDecimalPoint(text), text) << text;
+    }
+}
+
 TEST(RoundEven, TiesGoToTheEvenNumber) {
     EXPECT_EQ(RoundEven(2.5), 2.0);
     EXPECT_EQ(RoundEven(3.5), 4.0);
