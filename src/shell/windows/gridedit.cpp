@@ -62,6 +62,8 @@ void GridEdit::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QLineEdit::keyPressEvent(event);
+    // What the box has no use for must not reach the map under it.
+    event->accept();
 }
 
 void GridEdit::focusOutEvent(QFocusEvent* event) {
