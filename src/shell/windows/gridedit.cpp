@@ -36,7 +36,6 @@ void GridEdit::Open(MapGridView* grid) {
     opening_ = txtGrid.Openings;
     if (parentWidget() != grid->viewport()) setParent(grid->viewport());
     grid_ = grid;
-    setFont(grid->CellFont());
     grid->PlaceBox(this);
     setText(Shown(txtGrid.Text));
     if (txtGrid.SelectAll) {

@@ -330,9 +330,13 @@ void MapGridView::ShowCells() {
     verticalHeader()->viewport()->update();
 }
 
-void MapGridView::PlaceBox(QWidget* box) const {
+void MapGridView::PlaceBox(QWidget* box) {
     constexpr int kLeft = 3, kTaller = 7;
-    const QRect cell = visualRect(model_->index(selection_.Row - 1, selection_.Col - 1));
+    box_ = box;
+    box->setFont(cellFont_);
+    const QModelIndex current = model_->index(selection_.Row - 1, selection_.Col - 1);
+    scrollTo(current);
+    const QRect cell = visualRect(current);
     const int formula = QFontMetrics(cellFont_).horizontalAdvance(QLatin1String("*0.0000")) + 14;
     QRect place(cell.left() - kLeft, cell.top(), std::max(cell.width() - 1, formula),
                 cell.height() + kTaller);
@@ -443,6 +447,7 @@ void MapGridView::LayOut() {
         const int rowHeight = rest * (row + 1) / kMapSide - rest * row / kMapSide;
         verticalHeader()->resizeSection(row, std::max(rowHeight, lowest));
     }
+    if (box_ != nullptr && box_->isVisible() && box_->parentWidget() == viewport()) PlaceBox(box_);
 }
 
 void MapGridView::resizeEvent(QResizeEvent* event) {

@@ -4,6 +4,7 @@
 
 #include <QAbstractTableModel>
 #include <QFont>
+#include <QPointer>
 #include <QTableView>
 #include <array>
 #include <functional>
@@ -48,8 +49,9 @@ class MapGridView : public QTableView {
     /// Takes over selection, texts and colours, if the record has them anew; repaints the cells that differ.
     void Mirror();
 
-    /// Puts the box over the current cell.
-    void PlaceBox(QWidget* box) const;
+    /// Puts the box over the current cell, which comes into sight. While the box stands there it keeps to
+    /// its cell, however the map is laid out.
+    void PlaceBox(QWidget* box);
 
     /// Font that lets the longest text of the map fit its column.
     const QFont& CellFont() const { return cellFont_; }
@@ -88,6 +90,7 @@ class MapGridView : public QTableView {
     int padding_ = kLeastPadding;
     unsigned revision_ = ~0U;
     GridSelection selection_;  // as shown
+    QPointer<QWidget> box_;
     bool showsSelection_ = false;
 };
 
