@@ -31,9 +31,12 @@ int main(int argc, char** argv) {
     };
     zandrel::frmMain_Load();
     main.Mirror();
-    main.resize(1280, 800);
     main.show();
+    // Only now: with its first show the window takes its stored place.
+    main.resize(1280, 800);
     main.BuildAllPages();
+    QCoreApplication::processEvents();
+    if (main.size() != QSize(1280, 800)) zandrel::AddFailure("Window of 1280 by 800", "it has another size");
 
     zandrel::MeasureStart();
     zandrel::MeasureReadAll(main);
