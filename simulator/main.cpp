@@ -21,6 +21,7 @@ constexpr char kUsage[] =
     "  --pace             true 57600 baud timing both ways\n"
     "  --announce         send the start-up text\n"
     "  --ack              an acknowledging message before every reply\n"
+    "  --refuse-maps      whole map blocks are not taken and not answered, single cells are\n"
     "  --image FILE.dat   a tuning data file whose blocks replace the contents\n"
     "  --journal FILE     write each frame with its microseconds\n"
     "  --help             this text\n";
@@ -34,6 +35,7 @@ int Refuse(const std::string& why) {
 
 int main(int count, char** arguments) {
     powerfc::Options options;
+    bool refuseMaps = false;
     for (int i = 1; i < count; ++i) {
         const std::string_view name = arguments[i];
         std::string* text = nullptr;
@@ -46,6 +48,8 @@ int main(int count, char** arguments) {
             options.Announce = true;
         } else if (name == "--ack") {
             options.Ack = true;
+        } else if (name == "--refuse-maps") {
+            refuseMaps = true;
         } else if (name == "--version") {
             text = &options.Version;
         } else if (name == "--interface") {
@@ -78,6 +82,7 @@ int main(int count, char** arguments) {
         std::fprintf(stderr, "powerfc-sim: %s\n", error.c_str());
         return 1;
     }
+    simulator.RefuseMapBlocks(refuseMaps);
     std::printf("%s\n", simulator.PortName().c_str());
     std::fflush(stdout);
     for (;;) {
