@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
 
     zandrel::MeasureStart();
     zandrel::MeasureReadAll(main);
+    zandrel::MeasureUpdating(main);
     zandrel::MeasureDisplay(main);
     zandrel::MeasureAccessors();
     return zandrel::PrintFigures() ? 0 : 1;

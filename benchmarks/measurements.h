@@ -11,6 +11,9 @@ void MeasureStart();
 /// Read All from a simulated Power-FC at the true speed of the line.
 void MeasureReadAll(frmMain& main);
 
+/// Update of one cell and cell-by-cell writes of a map, at the true speed of the line.
+void MeasureUpdating(frmMain& main);
+
 /// Fitting the display to another build: the logic alone, and with the window repainted.
 void MeasureDisplay(frmMain& main);
 
