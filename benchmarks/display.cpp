@@ -1,7 +1,4 @@
-#include <QCoreApplication>
 #include <array>
-#include <chrono>
-#include <thread>
 
 #include "builddata.h"
 #include "figures.h"
@@ -16,17 +13,6 @@ namespace {
 
 constexpr int kLogicRuns = 201;
 constexpr int kWindowRuns = 11;
-// Qt gathers repaints for 5 ms; after so long a silence nothing is on its way any more.
-constexpr std::int64_t kSilenceNs = 25'000'000;
-
-// Runs the event loop until the window stands still.
-void Settle(const PaintWatch& watch) {
-    std::int64_t from = NowNs();
-    while (NowNs() - std::max(from, watch.LastNs()) < kSilenceNs) {
-        QCoreApplication::processEvents();
-        std::this_thread::sleep_for(std::chrono::microseconds(50));
-    }
-}
 
 constexpr char kFewControls[] = "RB26DETT6.42";
 constexpr char kManyControls[] = "B16A11.50C";
@@ -76,7 +62,7 @@ void MeasureDisplay(frmMain& main) {
             const std::int64_t start = NowNs();
             Display(build);
             main.Mirror();
-            Settle(watch);
+            watch.Settle();
             // The first round of each build brings the tab into view; a build without it shows another.
             if (n < 2 || SSTab1.Tab != tab) continue;
             if (watch.Paints() == paints || watch.LastNs() < start) {

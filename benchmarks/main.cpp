@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
     zandrel::MeasureReadAll(main);
     zandrel::MeasureUpdating(main);
     zandrel::MeasureDisplay(main);
+    zandrel::MeasureEditing(main);
     zandrel::MeasureAccessors();
     return zandrel::PrintFigures() ? 0 : 1;
 }

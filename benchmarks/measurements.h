@@ -17,6 +17,9 @@ void MeasureUpdating(frmMain& main);
 /// Fitting the display to another build: the logic alone, and with the window repainted.
 void MeasureDisplay(frmMain& main);
 
+/// Edits of all cells of a map by keys and menus, until the window stands painted.
+void MeasureEditing(frmMain& main);
+
 /// Single accessors: time and heap allocations a call.
 void MeasureAccessors();
 

@@ -2,12 +2,32 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <algorithm>
 #include <chrono>
+#include <thread>
 
 namespace zandrel {
+namespace {
+
+// Qt gathers repaints for 5 ms; after so long a silence nothing is on its way any more.
+constexpr std::int64_t kSilenceNs = 25'000'000;
+
+std::int64_t SteadyNs() {
+    return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+}
+
+}  // namespace
 
 PaintWatch::PaintWatch() {
     QCoreApplication::instance()->installEventFilter(this);
+}
+
+void PaintWatch::Settle() const {
+    const std::int64_t from = SteadyNs();
+    while (SteadyNs() - std::max(from, lastNs_) < kSilenceNs) {
+        QCoreApplication::processEvents();
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+    }
 }
 
 bool PaintWatch::eventFilter(QObject* object, QEvent* event) {
@@ -24,7 +44,7 @@ bool PaintWatch::eventFilter(QObject* object, QEvent* event) {
             inRound_ = true;
             QCoreApplication::sendEvent(object, event);
             inRound_ = false;
-            lastNs_ = std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+            lastNs_ = SteadyNs();
             if (paints_ != before) AfterRound();
             return true;
         }

@@ -19,6 +19,9 @@ class PaintWatch : public QObject {
     /// End of the last round in which something was laid out or painted, in nanoseconds of the steady clock.
     std::int64_t LastNs() const { return lastNs_; }
 
+    /// Runs the event loop until the windows stand still.
+    void Settle() const;
+
     /// Runs after each round in which something was painted.
     std::function<void()> AfterRound = [] {};
 
