@@ -576,10 +576,10 @@ TEST_F(Maps, TextToRaw_HalfAStepGoesToTheEvenOne) {
 
 TEST_F(Maps, TextToRaw_ZeroInLambdaAndAirFuelRatioIsTheMost) {
     Read("RB26DETT6.42");
-    MapMax[0] = 200;
+    MapMax[0] = 300;
     for (InjMapDisplay = 1; InjMapDisplay <= 2; ++InjMapDisplay) {
         for (const char* zero : {"0", "0.000", "-0", "+0", ".0", "0e5", "&H0", "1e-400"})
-            EXPECT_EQ(RawOf(0, zero), 200) << zero;
+            EXPECT_EQ(RawOf(0, zero), 300) << zero;
     }
 }
 
