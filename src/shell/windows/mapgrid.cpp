@@ -1,5 +1,6 @@
 #include "shell/windows/mapgrid.h"
 
+#include <QAbstractButton>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -253,6 +254,13 @@ MapGridView::MapGridView(int map, Runner run, Popup popup, QWidget* parent)
     setCurrentIndex(model_->index(0, 0));
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { TakeSelection(); });
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { TakeSelection(); });
+    for (QHeaderView* heads : {horizontalHeader(), verticalHeader()}) {
+        const bool columns = heads == horizontalHeader();
+        connect(heads, &QHeaderView::sectionPressed, this, [=, this] { BeginAtLabels(columns, !columns); });
+        connect(heads, &QHeaderView::sectionEntered, this, [=, this] { BeginAtLabels(columns, !columns); });
+    }
+    connect(findChild<QAbstractButton*>(), &QAbstractButton::clicked, this,
+            [this] { BeginAtLabels(true, true); });
 }
 
 MapGrid& MapGridView::Record() const {
@@ -283,6 +291,14 @@ void MapGridView::TakeSelection() {
         if (current.column() == area.left()) std::swap(taken.Col, taken.ColSel);
     }
     selection_ = Record().Selection = taken;
+    viewport()->update();
+}
+
+// Whole columns, chosen by their labels, begin in the first row, whole rows in the first column.
+void MapGridView::BeginAtLabels(bool inFirstRow, bool inFirstColumn) {
+    if (inFirstRow && selection_.Row > selection_.RowSel) std::swap(selection_.Row, selection_.RowSel);
+    if (inFirstColumn && selection_.Col > selection_.ColSel) std::swap(selection_.Col, selection_.ColSel);
+    Record().Selection = selection_;
     viewport()->update();
 }
 
@@ -351,7 +367,7 @@ void MapGridView::keyPressEvent(QKeyEvent* event) {
         QTableView::keyPressEvent(event);
         return;
     }
-    run_([&] { Grid_KeyDown(model_->Map(), key.Code, key.Shift); });
+    run_([&] { Grid_KeyDown(model_->Map(), key.Code, key.Shift, event->isAutoRepeat()); });
     event->accept();
 }
 

@@ -77,6 +77,7 @@ class MapGridView : public QTableView {
   private:
     MapGrid& Record() const;
     void TakeSelection();
+    void BeginAtLabels(bool inFirstRow, bool inFirstColumn);
     void ShowSelection();
     void ShowCells();
     void LayOut();
