@@ -1,20 +1,18 @@
 // zandrel-tour [--out FOLDER]: drives the real windows through the main job, prints each step with its
 // time, leaves pictures, and fails loudly. It talks to whatever ZANDREL_PORTS names; without it, it starts
-// powerfc-sim itself.
-#include <signal.h>
-#include <sys/prctl.h>
-
+// powerfc-sim itself, and only then it writes.
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <cstdio>
+#include <iterator>
 
 #include "person.h"
 #include "shell/settingsstore.h"
 #include "shell/startstop.h"
 #include "shell/windows/desktopdoor.h"
 #include "shell/windows/frmMain.h"
+#include "simulated.h"
 #include "steps.h"
 #include "util/diagnostics.h"
 
@@ -32,39 +30,48 @@ int FirstPort() {
     return whole && number >= 1 && number <= 16 ? number : 0;
 }
 
-bool StartSimulator(QProcess& simulator, const QString& journal) {
-    // A tour that is killed takes its simulator along.
-    simulator.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
-    simulator.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    simulator.start(
-        QApplication::applicationDirPath() + QStringLiteral("/powerfc-sim"),
-        {QStringLiteral("--version"), QStringLiteral("RB26DETT6.42"), QStringLiteral("--journal"), journal});
-    if (!simulator.waitForStarted(5000) || !simulator.waitForReadyRead(5000)) return false;
-    const QString terminal = QString::fromUtf8(simulator.readLine()).trimmed();
+struct Start {
+    const char* Version;
+    QStringList Options;
+};
+
+// In the order of `Simulated`. The one that refuses is paced, so that its writes can be watched and
+// cancelled.
+const Start kStarts[] = {
+    {"RB26DETT6.42", {}}, {"RB26DETT3.11D", {}},
+    {"1JZGT-AT3.54", {}}, {"RB26_1-D7.34A", {QStringLiteral("--refuse-maps"), QStringLiteral("--pace")}},
+    {"13B-REW7.07", {}},
+};
+static_assert(std::size(kStarts) == zandrel::SimulatedCount);
+
+bool StartSimulators(zandrel::SimulatedPowerFc (&simulators)[zandrel::SimulatedCount], const QDir& folder) {
+    QString ports;
+    for (int i = 0; i < zandrel::SimulatedCount; ++i) {
+        const QString version = QLatin1String(kStarts[i].Version);
+        const QString journal = folder.filePath(QStringLiteral("journal-%1.txt").arg(i + 1));
+        if (!simulators[i].Start(version, kStarts[i].Options, journal)) return false;
+        ports += QStringLiteral("%1=%2,").arg(i + 1).arg(simulators[i].Terminal());
+        std::printf("powerfc-sim: %s on %s, COM%d\n", kStarts[i].Version,
+                    qPrintable(simulators[i].Terminal()), i + 1);
+    }
     // The machine's own ports are left alone.
-    QString ports = QStringLiteral("1=") + terminal;
-    for (int n = 2; n <= 16; ++n) ports += QStringLiteral(",%1=/nowhere").arg(n);
+    for (int n = zandrel::SimulatedCount + 1; n <= 16; ++n) ports += QStringLiteral("%1=/nowhere,").arg(n);
+    ports.chop(1);
     qputenv("ZANDREL_PORTS", ports.toUtf8());
-    std::printf("powerfc-sim: RB26DETT6.42 on %s\n", qPrintable(terminal));
     return true;
 }
 
 // What an earlier tour has left would pass for this one's. Only a tour's own files go: numbered pictures,
-// and the log and journal of a folder that holds a tour's settings.
+// and the log and journals of a folder that holds a tour's settings.
 void ForgetEarlierTour(QDir folder) {
     if (!folder.exists(QStringLiteral("tour-settings.ini"))) return;
-    for (const QString& file : folder.entryList({QStringLiteral("[0-9][0-9]-*.png")}, QDir::Files)) {
+    const QStringList own = {QStringLiteral("[0-9][0-9]-*.png"), QStringLiteral("journal-[0-9].txt")};
+    for (const QString& file : folder.entryList(own, QDir::Files)) {
         folder.remove(file);
     }
-    for (const char* file : {"DebugLog.txt", "journal.txt", "tour-settings.ini"}) {
+    for (const char* file : {"DebugLog.txt", "tour-settings.ini"}) {
         folder.remove(QLatin1String(file));
     }
-}
-
-void StopSimulator(QProcess& simulator) {
-    if (simulator.state() == QProcess::NotRunning) return;
-    simulator.terminate();
-    simulator.waitForFinished(3000);
 }
 
 int Tour(const QString& folder, const zandrel::TourSetting& setting) {
@@ -125,21 +132,19 @@ int main(int argc, char** argv) {
     }
     ForgetEarlierTour(QDir(folder));
 
-    QProcess simulator;
+    zandrel::SimulatedPowerFc simulators[zandrel::SimulatedCount];
     zandrel::TourSetting setting;
-    setting.OwnSimulator = qEnvironmentVariableIsEmpty("ZANDREL_PORTS");
-    setting.Journal = QDir(folder).filePath(QStringLiteral("journal.txt"));
-    if (setting.OwnSimulator && !StartSimulator(simulator, setting.Journal)) {
-        std::fprintf(stderr, "powerfc-sim does not start\n");
-        return 1;
+    if (qEnvironmentVariableIsEmpty("ZANDREL_PORTS")) {
+        if (!StartSimulators(simulators, QDir(folder))) {
+            std::fprintf(stderr, "powerfc-sim does not start\n");
+            return 1;
+        }
+        for (zandrel::SimulatedPowerFc& simulator : simulators) setting.Simulators.push_back(&simulator);
     }
     setting.PortNumber = FirstPort();
     if (setting.PortNumber == 0) {
         std::fprintf(stderr, "ZANDREL_PORTS names no port from 1 to 16\n");
         return 2;
     }
-    setting.SwitchIgnition = [&simulator] { kill(static_cast<pid_t>(simulator.processId()), SIGUSR1); };
-    const int result = Tour(folder, setting);
-    StopSimulator(simulator);
-    return result;
+    return Tour(folder, setting);
 }

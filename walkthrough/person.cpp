@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -94,6 +95,21 @@ QMenu& MenuNamed(const QString& name) {
     return *menu;
 }
 
+// A desktop makes the window active again when a menu or a message over it has closed; the offscreen screen
+// does not.
+void ComeBack() {
+    if (!Window->isVisible()) return;
+    QTest::qWait(5);
+    if (Window->isActiveWindow() || QApplication::activeModalWidget() != nullptr) return;
+    Window->activateWindow();
+    WaitUntil([] { return Window->isActiveWindow(); }, 5000, QStringLiteral("the window is not active"));
+}
+
+void Keep(const QPixmap& picture, const QString& name) {
+    const QString file = QStringLiteral("%1-%2.png").arg(++Pictures, 2, 10, QLatin1Char('0')).arg(name);
+    Require(picture.save(Folder.filePath(file)), QStringLiteral("can't write ") + file);
+}
+
 }  // namespace
 
 void Fail(const QString& reason) {
@@ -124,6 +140,7 @@ void Step(const QString& name, const std::function<QString()>& action) {
     alarm(kLongestStepSeconds);
     QString found;
     try {
+        ComeBack();
         found = action();
     } catch (const TourFailure& failure) {
         // What went wrong first is the reason.
@@ -162,6 +179,35 @@ void Click(const QString& name) {
     QTest::mouseClick(&widget, Qt::LeftButton);
 }
 
+void TypeInto(const QString& name, const QString& text) {
+    auto* box = qobject_cast<QLineEdit*>(&Find(name));
+    Require(box != nullptr && box->isEnabled() && !box->isReadOnly(),
+            name + QStringLiteral(" can't be typed into"));
+    QTest::mouseClick(box, Qt::LeftButton);
+    Require(box->hasFocus(), name + QStringLiteral(" does not take the focus"));
+    QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(box, text);
+}
+
+void Press(int key, int modifiers) {
+    QWidget* focus = QApplication::focusWidget();
+    Require(focus != nullptr, QStringLiteral("nothing has the focus"));
+    QTest::keyClick(focus, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(modifiers));
+}
+
+void ChooseInOpenMenu(const QString& menu, const QString& item) {
+    QMenu& open = MenuNamed(menu);
+    WaitUntil([&open] { return open.isVisible(); }, 5000, menu + QStringLiteral(" did not open"));
+    for (QAction* action : open.actions()) {
+        if (action->objectName() != item) continue;
+        Require(action->isVisible() && action->isEnabled(), item + QStringLiteral(" can't be chosen"));
+        QTest::mouseClick(&open, Qt::LeftButton, {}, open.actionGeometry(action).center());
+        ComeBack();
+        return;
+    }
+    Fail(item + QStringLiteral(" is not in the menu"));
+}
+
 void ChooseItem(const std::vector<QString>& path) {
     QMenu& first = MenuNamed(path.front());
     auto* bar = Window->findChild<QMenuBar*>();
@@ -181,6 +227,7 @@ void ChooseItem(const std::vector<QString>& path) {
         QTest::mouseClick(open, Qt::LeftButton, {}, open->actionGeometry(item).center());
         if (next != nullptr) open = next;
     }
+    ComeBack();
 }
 
 void ChooseTab(int tab) {
@@ -235,8 +282,40 @@ void Picture(const QString& name) {
         painter.drawRect(QRect(place, widget->size()).adjusted(-1, -1, 0, 0));
     }
     painter.end();
-    const QString file = QStringLiteral("%1-%2.png").arg(++Pictures, 2, 10, QLatin1Char('0')).arg(name);
-    Require(picture.save(Folder.filePath(file)), QStringLiteral("can't write ") + file);
+    Keep(picture, name);
+}
+
+void PictureOf(const QString& name, QWidget& widget) {
+    Keep(widget.grab(), name);
+}
+
+QPalette DarkPalette() {
+    QPalette dark;
+    const QColor window(0x2B, 0x2D, 0x30);
+    const QColor base(0x1E, 0x1F, 0x22);
+    const QColor text(0xE6, 0xE6, 0xE6);
+    dark.setColor(QPalette::Window, window);
+    dark.setColor(QPalette::WindowText, text);
+    dark.setColor(QPalette::Base, base);
+    dark.setColor(QPalette::AlternateBase, window);
+    dark.setColor(QPalette::Text, text);
+    dark.setColor(QPalette::Button, window.lighter(120));
+    dark.setColor(QPalette::ButtonText, text);
+    dark.setColor(QPalette::ToolTipBase, base);
+    dark.setColor(QPalette::ToolTipText, text);
+    dark.setColor(QPalette::PlaceholderText, text.darker(150));
+    dark.setColor(QPalette::Light, window.lighter(130));
+    dark.setColor(QPalette::Mid, QColor(0x4A, 0x4D, 0x52));
+    dark.setColor(QPalette::Dark, base);
+    dark.setColor(QPalette::Shadow, Qt::black);
+    dark.setColor(QPalette::Highlight, QColor(0x3D, 0x7D, 0xD8));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        dark.setColor(QPalette::Disabled, role, QColor(0x8A, 0x8C, 0x90));
+    }
+    // The shadow of a text that is disabled.
+    dark.setColor(QPalette::Disabled, QPalette::Light, base);
+    return dark;
 }
 
 int PictureCount() {

@@ -2,6 +2,7 @@
 // what can't be found or clicked fails the tour.
 #pragma once
 
+#include <QPalette>
 #include <QString>
 #include <functional>
 #include <string>
@@ -37,6 +38,15 @@ bool OnScreen(const QString& name);
 
 void Click(const QString& name);
 
+/// Clicks the text box and types `text` in place of what it holds. The box keeps the focus.
+void TypeInto(const QString& name, const QString& text);
+
+/// A key for whatever has the focus.
+void Press(int key, int modifiers = 0);
+
+/// Clicks the item of the menu, which stands open.
+void ChooseInOpenMenu(const QString& menu, const QString& item);
+
 /// Opens the menus of that path one by one and clicks the item ("mnuPort", "mnuCom(0)").
 void ChooseItem(const std::vector<QString>& path);
 
@@ -54,6 +64,12 @@ void Once(const std::function<bool()>& condition, const std::function<void()>& a
 
 /// Leaves a picture of the window, with whatever stands over it.
 void Picture(const QString& name);
+
+/// Leaves a picture of one widget alone.
+void PictureOf(const QString& name, QWidget& widget);
+
+/// A dark palette, as a desktop may have it.
+QPalette DarkPalette();
 
 /// The pictures left so far.
 int PictureCount();

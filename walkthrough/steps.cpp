@@ -3,13 +3,13 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QStyle>
 #include <QTest>
-#include <charconv>
 
+#include "checks.h"
+#include "editing.h"
 #include "image/accessors.h"
 #include "image/image.h"
 #include "link/identify.h"
@@ -17,6 +17,7 @@
 #include "link/progress.h"
 #include "link/transfers.h"
 #include "person.h"
+#include "simulated.h"
 #include "tuning/display.h"
 #include "tuning/mainform.h"
 #include "tuning/maps.h"
@@ -26,42 +27,6 @@
 
 namespace zandrel {
 namespace {
-
-QString Numbered(const char* name, int index) {
-    return QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(index);
-}
-
-QString TabName(int tab) {
-    QString name = QString::fromStdString(SSTab1.TabCaption[static_cast<std::size_t>(tab)]).toLower();
-    return name.replace(QLatin1Char(' '), QLatin1Char('-'));
-}
-
-void ChoosePort(int number) {
-    ChooseItem({QStringLiteral("mnuPort"), Numbered("mnuCom", number - 1)});
-    Require(MSComm1.PortOpen(), QStringLiteral("COM%1 did not open").arg(number));
-}
-
-// Every block of the build has come in its full length.
-int CountBlocksRead() {
-    int blocks = 0;
-    for (std::size_t b = 0; b < 256; ++b) {
-        if (!BlockRead[b]) continue;
-        Require(ReadData[b].size() == BlockLength[b],
-                QStringLiteral("block %1 is not whole").arg(b, 2, 16, QLatin1Char('0')));
-        ++blocks;
-    }
-    return blocks;
-}
-
-QString ReadEverything() {
-    Click(QStringLiteral("cmdReadAll"));
-    Require(cmdWriteAll.Enabled, QStringLiteral("Read All did not succeed"));
-    Require(!VerName.empty(), QStringLiteral("no version is in force"));
-    return QStringLiteral("%1 v%2, interface %3: %4 blocks")
-        .arg(QString::fromStdString(VerName), QString::fromStdString(VerNumber),
-             QString::fromStdString(CorvaneVer))
-        .arg(CountBlocksRead());
-}
 
 // The shown text boxes of a page show the number that their bytes stand for.
 int CheckTextBoxes(int tab) {
@@ -107,45 +72,6 @@ QString CheckSettingsPage(int tab) {
         CheckBoxes(optSetting, "optSetting", tab, [](const Control& c) { return GetOption(c.Tag) ? 1 : 0; });
     Picture(TabName(tab));
     return QStringLiteral("%1 numbers and %2 boxes show their bytes").arg(numbers).arg(boxes);
-}
-
-QAbstractItemView& GridView(int map) {
-    auto* view = qobject_cast<QAbstractItemView*>(&Find(Numbered("Grid", map)));
-    Require(view != nullptr, QStringLiteral("the map has no grid"));
-    return *view;
-}
-
-QString CellOnScreen(int map, int row, int column) {
-    const QAbstractItemModel* model = GridView(map).model();
-    return model->index(row - 1, column - 1).data().toString();
-}
-
-// The value of a cell in the plain mode, worked out from the bytes and the map's Tag alone.
-double PlainValue(int map, int row, int column) {
-    const QStringList tag =
-        QString::fromStdString(Grid[static_cast<std::size_t>(map)].Tag).split(QLatin1Char(','));
-    const int size = tag[1].toInt();
-    const int place = ((column - 1) * 20 + row - 1) * size;
-    const ByteString& block =
-        ReadData[static_cast<std::size_t>(MapFirstBlock[static_cast<std::size_t>(map)] + place / 100)];
-    const auto at = static_cast<std::size_t>(place % 100);
-    int raw = static_cast<std::uint8_t>(block[at]);
-    if (size == 2) raw += 256 * static_cast<std::uint8_t>(block[at + 1]);
-    return raw * double{tag[2].toFloat()} + tag[3].toDouble();
-}
-
-// A value in the map's format.
-QString InFormat(int map, double value) {
-    const std::string& format = MapFormat[static_cast<std::size_t>(map)];
-    const auto point = format.find('.');
-    char text[64];
-    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed,
-                                   point == format.npos ? 0 : static_cast<int>(format.size() - point - 1));
-    return QString::fromLatin1(text, end.ptr - text);
-}
-
-QString ExpectedCell(int map, int row, int column) {
-    return InFormat(map, PlainValue(map, row, column));
 }
 
 QString CheckMapTab(int map) {
@@ -235,29 +161,6 @@ QString ReadOneMap() {
     return QStringLiteral("the map came back as it was");
 }
 
-QPalette DarkPalette() {
-    QPalette dark;
-    const QColor window(0x2B, 0x2D, 0x30);
-    const QColor base(0x1E, 0x1F, 0x22);
-    const QColor text(0xE6, 0xE6, 0xE6);
-    dark.setColor(QPalette::Window, window);
-    dark.setColor(QPalette::WindowText, text);
-    dark.setColor(QPalette::Base, base);
-    dark.setColor(QPalette::AlternateBase, window);
-    dark.setColor(QPalette::Text, text);
-    dark.setColor(QPalette::Button, window.lighter(120));
-    dark.setColor(QPalette::ButtonText, text);
-    dark.setColor(QPalette::ToolTipBase, base);
-    dark.setColor(QPalette::ToolTipText, text);
-    dark.setColor(QPalette::PlaceholderText, text.darker(150));
-    dark.setColor(QPalette::Highlight, QColor(0x3D, 0x7D, 0xD8));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        dark.setColor(QPalette::Disabled, role, QColor(0x8A, 0x8C, 0x90));
-    }
-    return dark;
-}
-
 QString OtherSizesAndColours(QWidget& window) {
     const QSize before = window.size();
     const QPalette light = QApplication::palette();
@@ -285,7 +188,7 @@ QString DetectThePort(const TourSetting& setting) {
     Once([] { return OnScreen(QStringLiteral("frmProgress2")); },
          [&setting] {
              Picture(QStringLiteral("autodetect"));
-             setting.SwitchIgnition();
+             setting.Simulators[MainBuild]->SwitchIgnition();
          });
     ChooseItem({QStringLiteral("mnuPort"), QStringLiteral("mnuComAuto")});
     Require(MSComm1.PortOpen() && mnuCom[static_cast<std::size_t>(setting.PortNumber - 1)].Checked,
@@ -321,8 +224,9 @@ void WalkThrough(QWidget& window, const TourSetting& setting) {
         window.resize(1280, 800);
         QTest::qWait(50);
         Picture(QStringLiteral("start"));
-        if (!setting.OwnSimulator) return QString();
-        Require(QFileInfo(setting.Journal).size() == 0, QStringLiteral("something was sent at start"));
+        if (!setting.OwnSimulator()) return QString();
+        Require(setting.Simulators[MainBuild]->Requests().empty(),
+                QStringLiteral("something was sent at start"));
         return QStringLiteral("nothing was sent");
     });
     Step(QStringLiteral("Choose COM%1 in the Port menu").arg(setting.PortNumber), [&] {
@@ -330,7 +234,7 @@ void WalkThrough(QWidget& window, const TourSetting& setting) {
         ChoosePort(setting.PortNumber);
         return QString::fromStdString(ComCaption(setting.PortNumber));
     });
-    if (setting.OwnSimulator) {
+    if (setting.OwnSimulator()) {
         Step(QStringLiteral("Auto detection of the Corvane"), [&] { return DetectThePort(setting); });
     }
     Step(QStringLiteral("Read All"), [] { return ReadEverything(); });
@@ -366,6 +270,7 @@ void WalkThrough(QWidget& window, const TourSetting& setting) {
         Require(Grid[0].Revision > revision, QStringLiteral("Read All did not run"));
         return QStringLiteral("%1 blocks").arg(CountBlocksRead());
     });
+    if (setting.OwnSimulator()) EditAndSend(window, setting);
     Step(QStringLiteral("Close the window"), [&window] {
         window.close();
         Require(!window.isVisible() && !MSComm1.PortOpen(), QStringLiteral("it did not close"));
