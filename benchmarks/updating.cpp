@@ -32,7 +32,7 @@ constexpr std::uint8_t kOldCellWrite = 50;
 constexpr std::uint8_t kOldOutcome = 111;
 constexpr std::uint8_t kAcknowledge = 0xF2;
 constexpr int kCells = kMapSide * kMapSide;
-constexpr int kBarPaints = 10;  // so often at least is the bar seen to move
+constexpr int kBarPaints = 5;  // so often at least is the bar seen to move
 
 using Journal = std::vector<JournalEntry>;
 
