@@ -56,7 +56,8 @@ void Overwrite(std::size_t block, int offset, const ByteString& bytes, int map =
                int column = 0) {
     const auto start = static_cast<std::size_t>(offset - 1);
     const std::size_t room = std::min(bytes.size(), ReadData[block].size() - start);
-    Carry({block, start, ReadData[block].substr(start, room), bytes.substr(0, room), map, row, column});
+    Carry(
+        {block, start, ReadData[block].substr(start, room), bytes.substr(0, room), map, row, column, false});
 }
 
 ByteString WordBytes(int word) {
@@ -246,7 +247,7 @@ void SetCell(int map, int row, int column, std::int32_t raw) {
 }
 
 void ReplaceBlock(std::size_t block, const ByteString& bytes) {
-    Carry({block, 0, ReadData[block], bytes});
+    Carry({.Block = block, .Before = ReadData[block], .After = bytes, .Whole = true});
 }
 
 }  // namespace zandrel

@@ -24,10 +24,31 @@ std::deque<Step> Undone;
 Step Open;
 int Gestures = 0;
 bool EditInGesture = false;
+bool GoesOn = false;
+
+// Adds a change to a step; one of the same place becomes a single change.
+void Add(Step& step, Change change) {
+    const auto same =
+        std::find_if(step.Changes.begin(), step.Changes.end(), [&change](const Change& earlier) {
+            return earlier.Block == change.Block && earlier.Start == change.Start &&
+                   earlier.After == change.Before && earlier.After.size() == change.After.size();
+        });
+    if (same == step.Changes.end()) {
+        step.Changes.push_back(std::move(change));
+    } else {
+        same->After = std::move(change.After);
+    }
+}
 
 void CloseStep() {
     if (Open.Changes.empty()) return;
+    const bool joins = GoesOn && Undone.empty() && !Done.empty() && Done.back().Name == Open.Name;
     Undone.clear();
+    if (joins) {
+        for (Change& change : Open.Changes) Add(Done.back(), std::move(change));
+        Open = {};
+        return;
+    }
     Done.push_back(std::exchange(Open, {}));
     if (Done.size() > kMostSteps) Done.pop_front();
 }
@@ -35,7 +56,10 @@ void CloseStep() {
 // False: the block no longer holds what the step has left there, and stays as it is.
 bool Put(const Change& change, const ByteString& present, const ByteString& wanted) {
     ByteString& data = ReadData[change.Block];
-    if (change.Start > data.size() || data.compare(change.Start, present.size(), present) != 0) return false;
+    if (change.Start > data.size() || data.compare(change.Start, present.size(), present) != 0 ||
+        (change.Whole && data.size() != present.size())) {
+        return false;
+    }
     data.replace(change.Start, present.size(), wanted);
     BlockChanged[change.Block] = true;
     DataChanged = true;
@@ -63,7 +87,10 @@ std::string NameOfLast(const std::deque<Step>& steps) {
 void Carry(Change change) {
     if (!Put(change, change.Before, change.After)) return;
     const bool single = Gestures == 0;
-    if (single) Open.Name = "Edit";
+    if (single) {
+        Open.Name = "Edit";
+        GoesOn = false;
+    }
     if (change.Before != change.After) Open.Changes.push_back(std::move(change));
     if (single) CloseStep();
     EditDone();
@@ -77,8 +104,10 @@ void EditDone() {
     }
 }
 
-Gesture::Gesture(std::string_view name) {
-    if (Gestures++ == 0) Open = {std::string(name), {}};
+Gesture::Gesture(std::string_view name, bool goesOn) {
+    if (Gestures++ > 0) return;
+    Open = {std::string(name), {}};
+    GoesOn = goesOn;
 }
 
 Gesture::~Gesture() {

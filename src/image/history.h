@@ -17,6 +17,7 @@ struct Change {
     ByteString Before = {};
     ByteString After = {};
     int Map = -1, Row = 0, Column = 0;
+    bool Whole = false;  // the block has no other bytes
 };
 
 /// Puts `change.After` in the place of `change.Before`, raises the flags and keeps the change for Undo.
@@ -25,10 +26,11 @@ void Carry(Change change);
 /// An edit has ended: `AfterEdit` runs, within a gesture once at its end.
 void EditDone();
 
-/// While one lives, all changes make one step, called `name`. The outermost of nested gestures counts.
+/// While one lives, all changes make one step, called `name`. The outermost of nested gestures counts. One
+/// that goes on, as a held key does, adds to the step before, if that has the same name.
 class Gesture {
   public:
-    explicit Gesture(std::string_view name);
+    explicit Gesture(std::string_view name, bool goesOn = false);
     ~Gesture();
     Gesture(const Gesture&) = delete;
     Gesture& operator=(const Gesture&) = delete;

@@ -194,6 +194,10 @@ std::string ReadVerNumber() {
     return Trim(GetString(Trim(GetString("&HF3,1,8")).empty() ? "&H6C,1,5" : "&HF5,1,5"));
 }
 
+bool ImageIsInForce() {
+    return !VerName.empty() && ReadVerName() == VerName && ReadVerNumber() == VerNumber;
+}
+
 bool ValidVersion(bool read, bool initialise) {
     ClearError();
     bool result = false;
@@ -220,6 +224,8 @@ bool ValidVersion(bool read, bool initialise) {
                 VerNumber = version;
                 // What the image holds is of another Power-FC until it is read or loaded anew.
                 BlockInForce.fill(false);
+                BlockChanged.fill(false);
+                MapCellChanged = {};
                 ClearHistory();
                 SetCaption("");
                 if (read && !ReadBlock(ExtraBlock, BlockLength[ExtraBlock], true))

@@ -25,6 +25,10 @@ inline std::function<void()> InitMonitorWindow = [] {};
 /// announces itself. Only the user's cancel ends the wait.
 void ComAutoDetect();
 
+/// True if the Power-FC that named itself last is of the version in force. A command that takes any known
+/// build looks at this before it moves bytes.
+bool ImageIsInForce();
+
 /// Finds out which build is at hand: from the Power-FC (`read`), or from the image. With `initialise` the
 /// display is rebuilt for it. False: no answer, or a build that the catalogue does not know.
 bool ValidVersion(bool read, bool initialise);

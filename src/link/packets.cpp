@@ -282,7 +282,7 @@ bool ReadBlock(int block, int length, bool show) {
     const ByteString command(1, static_cast<char>(block));
     const auto at = static_cast<std::size_t>(block);
     if (ReadPacketData(command, length, ReadData[at], show) != LinkResult::Success) return false;
-    BlockInForce[at] = true;
+    BlockInForce[at] = ImageIsInForce();
     return true;
 }
 

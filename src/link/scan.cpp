@@ -24,7 +24,9 @@ void mnuScan_Code() {
     BusyPointer(true);
     ReadData.fill({});
     BlockInForce.fill(false);
+    MapCellChanged = {};
     ClearHistory();
+    cmdWriteAll.Enabled = false;
     bool complete = true;
     for (int b = 0; b < 256; ++b) {
         ByteString frame(1, static_cast<char>(b));

@@ -134,17 +134,18 @@ bool SendCell(int map, int row, int column) {
 }
 
 // A select block reads back as it was sent when it was taken; the older builds take it by a second command.
-// False: it did not arrive.
+// False: it did not arrive. A first write that the link has failed is no failure of the block.
 bool WriteSelect(const ByteString& packet, const ByteString& rest, std::uint8_t second, int length,
                  const char* error) {
     const ByteString own = packet.substr(0, 1);
-    for (const ByteString& command : {own, Byte(second)}) {
-        if (!Sent(command + rest, true)) return false;
+    const auto readsBack = [&] {
         ByteString frame = own;
         if (ReadPacket(frame, true) != LinkResult::Success) return false;
-        const ByteString present = frame.substr(0, 1) + frame.substr(2, At(length));
-        if (present == packet.substr(0, At(length) + 1)) return true;
-    }
+        return frame.substr(0, 1) + frame.substr(2, At(length)) == packet.substr(0, At(length) + 1);
+    };
+    if (!Sent(own + rest, true)) return false;
+    if (readsBack()) return true;
+    if (Sent(Byte(second) + rest, true) && readsBack()) return true;
     MessageBox(error, Box::Critical);
     return false;
 }
@@ -155,7 +156,8 @@ bool WriteBlock(int block, bool& arrived) {
     const ByteString data = ReadData[At(block)].substr(0, BlockLength[At(block)]);
     const bool sent = Sent(PrepareBlockWrite(Byte(block) + data, failed), true);
     arrived = sent && !failed;
-    if (arrived) BlockChanged[At(block)] = false;
+    // What was not taken waits, even if it was sent only because all was.
+    if (sent) BlockChanged[At(block)] = !arrived;
     return sent;
 }
 
@@ -166,17 +168,41 @@ bool AllInForce(int first, int count) {
                        [](bool inForce) { return inForce; });
 }
 
-bool ChangesAreInForce() {
+bool CellIsInForce(int map, int row, int column) {
+    return BlockInForce[At(PlaceOfCell(map, row, column).Block)];
+}
+
+bool ShownMapsAreInForce() {
     for (int map = 0; map < kMapTabs; ++map) {
-        for (int k = 0; MapIsShown(map) && k < BlocksOf(map); ++k) {
-            const int block = MapFirstBlock[At(map)] + k;
-            if (BlockChanged[At(block)] && !BlockInForce[At(block)]) return false;
-        }
-    }
-    for (int b = 0; b < 256; ++b) {
-        if (BlockChanged[At(b)] && TakesPart(b) && !BlockInForce[At(b)]) return false;
+        if (MapIsShown(map) && !AllInForce(MapFirstBlock[At(map)], BlocksOf(map))) return false;
     }
     return true;
+}
+
+// Looks at each thing that an Update would send: `wanted` or not.
+template <class Wanted>
+bool AnyChange(Wanted wanted) {
+    bool any = false;
+    for (int map = 0; map < kMapTabs; ++map) {
+        if (!MapIsShown(map)) continue;
+        for (int k = 0; k < BlocksOf(map); ++k) {
+            const int block = MapFirstBlock[At(map)] + k;
+            any = any || (BlockChanged[At(block)] && wanted(block));
+        }
+        ForEachCell([&](int row, int column) {
+            any = any || (CellChanged(map, row, column) && wanted(PlaceOfCell(map, row, column).Block));
+        });
+    }
+    for (int b = 0; b < 256; ++b) any = any || (BlockChanged[At(b)] && TakesPart(b) && wanted(b));
+    return any;
+}
+
+bool AnythingToSend() {
+    return AnyChange([](int) { return true; });
+}
+
+bool ChangesAreInForce() {
+    return !AnyChange([](int block) { return !BlockInForce[At(block)]; });
 }
 
 void RefuseWrite() {
@@ -212,6 +238,7 @@ bool UpdateMapCells(int map) {
     for (int row = 1; row <= kMapSide; ++row) {
         for (int column = 1; column <= kMapSide; ++column) {
             if (!CellChanged(map, row, column)) continue;
+            if (!CellIsInForce(map, row, column)) return false;
             if (!SendCell(map, row, column)) return false;
             CellChanged(map, row, column) = false;
             if (!Progress2.Visible) continue;
@@ -236,44 +263,32 @@ bool UpdateMaps() {
     return true;
 }
 
-// False: the link failed. `all` says whether every block has arrived.
-bool UpdateBlocks(bool& all) {
-    all = true;
+// False: the link failed.
+bool UpdateBlocks() {
     for (int b = 0; b < 256; ++b) {
         if (!BlockChanged[At(b)] || !TakesPart(b)) continue;
         bool arrived = false;
-        if (!WriteBlock(b, arrived)) {
-            MessageBox("Update error", Box::Critical);
-            return false;
-        }
-        all = all && arrived;
+        if (WriteBlock(b, arrived)) continue;
+        MessageBox("Update error", Box::Critical);
+        return false;
     }
     return true;
 }
 
-// All maps, then all settings. False: one failed, the user was told. `all` says whether nothing is left.
-bool WriteEverything(bool& all) {
+// All maps, then all settings. False: one failed, the user was told.
+bool WriteEverything() {
     for (int map = 0; map < kMapTabs; ++map) {
         if (!MapIsShown(map)) continue;
         bool failed = false;
         WriteMap(map, failed);
         if (failed || CloseAsked) return false;
     }
-    all = true;
     for (int b = 0; b < 256; ++b) {
         if (!TakesPart(b) || !BlockInForce[At(b)]) continue;
         bool arrived = false;
-        if (!WriteBlock(b, arrived)) {
-            MessageBox("Write All Error " + Hex(static_cast<std::uint32_t>(b)), Box::Critical);
-            return false;
-        }
-        all = all && arrived;
-    }
-    for (int map = 0; map < kMapTabs; ++map) {
-        // A map whose writing was cancelled waits to be gone on with.
-        for (int k = 0; MapIsShown(map) && k < BlocksOf(map); ++k) {
-            all = all && !BlockChanged[At(MapFirstBlock[At(map)] + k)];
-        }
+        if (WriteBlock(b, arrived)) continue;
+        MessageBox("Write All Error " + Hex(static_cast<std::uint32_t>(b)), Box::Critical);
+        return false;
     }
     return true;
 }
@@ -356,8 +371,10 @@ bool ReadMap(int map) {
         const int block = MapFirstBlock[At(map)] + k;
         if (!ReadBlock(block, 100, true)) return true;
         BlockChanged[At(block)] = false;
+        ForEachCell([map, block](int row, int column) {
+            if (PlaceOfCell(map, row, column).Block == block) CellChanged(map, row, column) = false;
+        });
     }
-    MapCellChanged[At(map)] = {};
     return false;
 }
 
@@ -367,8 +384,8 @@ void cmdReadMap_Click(int map) {
     cmdReadMap[At(map)].Enabled = false;
     // Another Power-FC than before may have no such map.
     if (ValidVersion(true, true) && MapIsShown(map)) {
-        const bool failed = ReadMap(map);
-        if (!failed) RefreshUpdateButton();
+        static_cast<void>(ReadMap(map));
+        RefreshUpdateButton();
     }
     DisplayMap(map, true);
     cmdReadMap[At(map)].Enabled = true;
@@ -461,14 +478,14 @@ void cmdWriteAll_Click() {
     if (LongOperationRuns()) return;
     const LongOperation running;
     if (!ValidVersion(true, false)) return;
-    if (!cmdWriteAll.Enabled) {
+    if (!cmdWriteAll.Enabled || !ShownMapsAreInForce()) {
         RefuseWrite();
         return;
     }
     cmdWriteAll.Enabled = false;
     BusyPointer(true);
-    bool all = false;
-    if (WriteEverything(all)) cmdUpdate.Enabled = !all;
+    // What was cancelled, or not taken, can be sent later.
+    if (WriteEverything()) cmdUpdate.Enabled = AnythingToSend();
     cmdWriteAll.Enabled = true;
     BusyPointer(false);
 }
@@ -477,7 +494,6 @@ void cmdUpdate_Click() {
     if (LongOperationRuns()) return;
     const LongOperation running;
     StopTimer(Timer::Update);
-    bool all = false;
     bool sent = false;
     if (ValidVersion(true, false)) {
         if (!cmdUpdate.Enabled || !ChangesAreInForce()) {
@@ -491,14 +507,21 @@ void cmdUpdate_Click() {
         if (sent) {
             HideProgress(Progress2);
             Yield();  // the window goes; what is edited now is sent with the rest
-            sent = UpdateBlocks(all);
+            if (ChangesAreInForce()) {
+                sent = UpdateBlocks();
+            } else {
+                RefuseUpdate();
+                sent = false;
+            }
         }
     }
     HideProgress(Progress2);
     BusyPointer(false);
     // What was not sent can be sent later.
-    if (!sent || !all) cmdUpdate.Enabled = true;
-    if (sent && all) LastUpdate = Desktop.TimeOfDay();
+    cmdUpdate.Enabled = !sent || AnythingToSend();
+    if (cmdUpdate.Enabled) return;
+    StopTimer(Timer::Update);
+    LastUpdate = Desktop.TimeOfDay();
 }
 
 void optAutoUpdate_Click() {
@@ -519,12 +542,14 @@ void mnuRead_Click() {
     const LongOperation running;
     if (!ValidVersion(true, false)) return;
     ClearHistory();
+    bool read = true;
     for (const int block : BlocksOfFrame(PopupFrame)) {
-        if (!ReadBlock(block, BlockLength[At(block)], true)) return;
+        read = ReadBlock(block, BlockLength[At(block)], true);
+        if (!read) break;
         BlockChanged[At(block)] = false;
     }
     RefreshUpdateButton();
-    DisplayAllData();
+    if (read) DisplayAllData();
 }
 
 void mnuWrite_Click() {
@@ -532,11 +557,12 @@ void mnuWrite_Click() {
     const LongOperation running;
     if (!ValidVersion(true, false)) return;
     const std::vector<int> blocks = BlocksOfFrame(PopupFrame);
-    for (const int block : blocks) {
-        if (BlockLength[At(block)] > 0 && !BlockInForce[At(block)]) {
-            RefuseWrite();
-            return;
-        }
+    const bool inForce = std::all_of(blocks.begin(), blocks.end(), [](int block) {
+        return BlockLength[At(block)] == 0 || BlockInForce[At(block)];
+    });
+    if (!inForce || !ImageIsInForce()) {
+        RefuseWrite();
+        return;
     }
     for (const int block : blocks) {
         bool arrived = false;
@@ -573,8 +599,14 @@ void UpdateEnable() {
 
 Unsent CountUnsent() {
     Unsent unsent;
-    for (const bool changed : BlockChanged) unsent.Blocks += changed ? 1 : 0;
-    for (int map = 0; map < kMapTabs; ++map) unsent.Cells += CountChangedCells(map);
+    for (int b = 0; b < 256; ++b) unsent.Blocks += BlockChanged[At(b)] && TakesPart(b) ? 1 : 0;
+    for (int map = 0; map < kMapTabs; ++map) {
+        if (!MapIsShown(map)) continue;
+        for (int k = 0; k < BlocksOf(map); ++k) {
+            unsent.Blocks += BlockChanged[At(MapFirstBlock[At(map)] + k)] ? 1 : 0;
+        }
+        unsent.Cells += CountChangedCells(map);
+    }
     return unsent;
 }
 

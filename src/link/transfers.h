@@ -62,7 +62,7 @@ void RefreshUpdateButton();
 /// A change waits to be sent. Runs after every edit; with Auto Update it is sent 500 ms after the last one.
 void UpdateEnable();
 
-/// What has changed and was not sent.
+/// What has changed and can be sent, but was not yet.
 struct Unsent {
     int Blocks = 0;
     int Cells = 0;

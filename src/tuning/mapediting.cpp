@@ -29,6 +29,8 @@ namespace {
 constexpr std::int32_t kDeleteRaw = 128;  // 1.000 in the injection map
 constexpr int kBigStep = 10;
 
+bool KeyRepeats = false;  // the key at hand is held
+
 enum Shift { NoShift = 0, ShiftDown = 1, ControlDown = 2 };
 enum Key {
     KeySpace = 32,
@@ -112,7 +114,7 @@ std::int32_t Within32Bits(std::int64_t value) {
 // value ends it, and what the rest shows is what it holds. False: it ended so.
 template <class NewRaw>
 bool EditArea(int map, const CellArea& area, const char* name, NewRaw newRaw) {
-    const Gesture gesture(name);
+    const Gesture gesture(name, KeyRepeats);
     GridSelection selection{};
     SaveGridSelection(map, selection);
     bool whole = true;
@@ -151,10 +153,31 @@ void CopySelection(int map) {
     Desktop.SetClipboard(GridClip(map));
 }
 
+// What a cell shows may be coarser than what it holds: a text that says what was shown before is no edit.
+bool SaysTheSame(const std::string& text, const std::string& shown) {
+    const auto number = StrictNumber(WithDecimalPoint(text));
+    return number && number == StrictNumber(shown);
+}
+
+// Stores the texts of the selected cells that differ from those of `before`.
+void CommitTexts(int map, const CellTable<std::string>& before) {
+    EditArea(map, SelectedArea(map), "Values", [map, &before](int row, int column) {
+        const std::string& text = TextOf(map, row, column);
+        if (SaysTheSame(text, before[At(row)][At(column)])) {
+            return std::optional(GetCell(map, row, column, false));
+        }
+        if (!Splits(map)) return RawOfText(map, text, row, column);
+        const auto split = WholeNumber(StrictNumber(WithDecimalPoint(text)));
+        if (!split) return split;
+        return std::optional(Within32Bits(std::int64_t{GetCell(map - 1, row, column, false)} - *split));
+    });
+}
+
 void PasteSelection(int map) {
+    const auto before = Grid[At(map)].TextMatrix;
     SetGridClip(map, Desktop.GetClipboard());
-    const Gesture gesture("Paste");
-    CommitGridText(map);
+    const Gesture gesture("Paste", KeyRepeats);
+    CommitTexts(map, before);
 }
 
 bool PlainKey(int map, int keyCode) {
@@ -217,6 +240,21 @@ bool ControlKey(int map, int keyCode) {
     }
 }
 
+bool TakeKey(int map, int keyCode, int shift) {
+    switch (shift) {
+        case NoShift:
+            return PlainKey(map, keyCode);
+        case ShiftDown:
+            if (keyCode != Key8) return false;
+            StartGridEdit(map, "*");
+            return true;
+        case ControlDown:
+            return ControlKey(map, keyCode);
+        default:
+            return false;
+    }
+}
+
 // What was typed into the box goes into the cells.
 void CommitBox(int map, const std::string& text) {
     const char first = text.empty() ? '\0' : text[0];
@@ -229,7 +267,9 @@ void CommitBox(int map, const std::string& text) {
     } else if (Splits(map)) {
         const auto raw = WholeNumber(LeadingNumber(WithDecimalPoint(text)));
         if (raw) SetSelection(map, *raw);
-    } else {
+    } else if (const CellArea area = AreaOf({EditRow, EditCol, EditRowSel, EditColSel});
+               area.Top != area.Bottom || area.Left != area.Right ||
+               !SaysTheSame(text, GridCellText(map, area.Top, area.Left))) {
         const auto raw = RawOfText(map, text, std::min(EditRow, EditRowSel), std::min(EditCol, EditColSel));
         if (raw) SetSelection(map, *raw);
     }
@@ -319,13 +359,7 @@ void SetSelection(int map, std::int32_t raw) {
 }
 
 void CommitGridText(int map) {
-    EditArea(map, SelectedArea(map), "Values", [map](int row, int column) {
-        const std::string& text = TextOf(map, row, column);
-        if (!Splits(map)) return RawOfText(map, text, row, column);
-        const auto split = WholeNumber(StrictNumber(WithDecimalPoint(text)));
-        if (!split) return split;
-        return std::optional(Within32Bits(std::int64_t{GetCell(map - 1, row, column, false)} - *split));
-    });
+    CommitTexts(map, {});
 }
 
 std::string GridClip(int map) {
@@ -356,20 +390,12 @@ void SetGridClip(int map, const std::string& text) {
     }
 }
 
-bool Grid_KeyDown(int map, int keyCode, int shift) {
+bool Grid_KeyDown(int map, int keyCode, int shift, bool repeats) {
     if (mnuCompare.Checked) return false;
-    switch (shift) {
-        case NoShift:
-            return PlainKey(map, keyCode);
-        case ShiftDown:
-            if (keyCode != Key8) return false;
-            StartGridEdit(map, "*");
-            return true;
-        case ControlDown:
-            return ControlKey(map, keyCode);
-        default:
-            return false;
-    }
+    KeyRepeats = repeats;
+    const bool taken = TakeKey(map, keyCode, shift);
+    KeyRepeats = false;
+    return taken;
 }
 
 void Grid_MouseDown(int, int button) {
@@ -413,6 +439,7 @@ void mnuGridInterpolate_Click() {
     const auto tl = corner(area.Top, area.Left), tr = corner(area.Top, area.Right);
     const auto bl = corner(area.Bottom, area.Left), br = corner(area.Bottom, area.Right);
     if (!tl || !tr || !bl || !br) return;
+    const auto before = Grid[At(PopupGrid)].TextMatrix;
     const auto between = [](int i, int first, int last, double a, double b) {
         return first == last ? a : static_cast<double>(i - first) / (last - first) * (b - a) + a;
     };
@@ -424,7 +451,7 @@ void mnuGridInterpolate_Click() {
         }
     }
     const Gesture gesture("Interpolate");
-    CommitGridText(PopupGrid);
+    CommitTexts(PopupGrid, before);
 }
 
 void mnuReCalcBase_Click() {

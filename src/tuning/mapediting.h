@@ -51,8 +51,8 @@ void MultiplySelection(int map, double factor);
 /// Stores `raw` in the cells of the `Edit` fields; in split display the map before it less `raw`.
 void SetSelection(int map, std::int32_t raw);
 
-/// Stores the values of the texts in the selected cells. Ends at the first text that is no value; the cells
-/// before it are stored, it and those behind it show again what they hold.
+/// Stores the values of the texts in the selected cells, all of them. Ends at the first text that is no
+/// value; the cells before it are stored, it and those behind it show again what they hold.
 void CommitGridText(int map);
 
 /// Texts of the selected cells: tabs between cells, CR between rows.
@@ -63,8 +63,9 @@ std::string GridClip(int map);
 void SetGridClip(int map, const std::string& text);
 
 /// A key on the grid. `keyCode`: digits 48 to 57, number pad 96 to 105, letters as capitals. `shift`: 1
-/// shift, 2 control, 4 alt. False: the key is none of the map's, the grid may have it.
-bool Grid_KeyDown(int map, int keyCode, int shift);
+/// shift, 2 control, 4 alt. A held key `repeats`, and its steps are one to Undo. False: the key is none of
+/// the map's, the grid may have it.
+bool Grid_KeyDown(int map, int keyCode, int shift, bool repeats = false);
 
 /// The mouse on the grid. `button` 1 left, 2 right.
 void Grid_MouseDown(int map, int button);

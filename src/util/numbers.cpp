@@ -41,8 +41,8 @@ std::size_t TakeDecimal(std::string_view text, double& value) {
 std::size_t TakeHexadecimal(std::string_view text, double& value) {
     std::uint64_t whole = 0;
     const auto [end, error] = std::from_chars(text.data() + 2, text.data() + text.size(), whole, 16);
-    if (error != std::errc()) return 0;
-    value = static_cast<double>(whole);
+    if (error == std::errc::invalid_argument) return 0;
+    value = error == std::errc() ? static_cast<double>(whole) : std::numeric_limits<double>::infinity();
     std::size_t taken = static_cast<std::size_t>(end - text.data());
     if (taken < text.size() && text[taken] == '&') ++taken;
     return taken;

@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <vector>
 
+#include "link/progress.h"
 #include "shell/windows/frmMain.h"
 #include "shell/windows/frmNumberEntry.h"
 #include "shell/windows/shown.h"
@@ -52,9 +53,20 @@ Answer AnswerOf(QMessageBox::StandardButton button) {
     }
 }
 
+// What a box stands over: a progress window that stays on top would cover a box over the main window.
 QWidget* Over(frmMain* main) {
-    return main != nullptr && main->isVisible() ? main : nullptr;
+    if (main == nullptr || !main->isVisible()) return nullptr;
+    auto* progress = main->findChild<QDialog*>(QStringLiteral("frmProgress2"));
+    return progress != nullptr && progress->isVisible() ? progress : static_cast<QWidget*>(main);
 }
+
+// What has to stand on the screen before anything else goes on.
+struct ShownProgress {
+    bool Progress = Progress2.Visible;
+    bool Scan = ProgressScan.Visible;
+    std::string Status = Progress2.Status;
+    bool operator==(const ShownProgress&) const = default;
+};
 
 // Shows a dialog and waits until it is closed or the application ends.
 void WaitFor(QDialog& dialog) {
@@ -137,9 +149,16 @@ void OpenTimers(frmMain& main) {
 
 void OpenDesktop(frmMain& main) {
     const QPointer<frmMain> window = &main;
-    Desktop.Yield = [window] {
+    Desktop.Yield = [window, shown = ShownProgress{}, last = std::uint32_t{0}]() mutable {
         if (window == nullptr) return;
-        window->Mirror();
+        // Loops yield far more often than an eye can follow.
+        constexpr std::uint32_t kMirrorMs = 50;
+        const std::uint32_t now = TickCount();
+        if (now - last >= kMirrorMs || shown != ShownProgress{}) {
+            window->Mirror();
+            shown = {};
+            last = now;
+        }
         // While a menu fills itself a click must not overtake it.
         QCoreApplication::processEvents(window->MenuOpens() ? QEventLoop::ExcludeUserInputEvents
                                                             : QEventLoop::AllEvents);

@@ -15,6 +15,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "link/port.h"
 #include "link/progress.h"
@@ -110,7 +111,8 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setCentralWidget(body);
     BuildStatusBar();
     BuildMenus();
-    txtGrid_ = new GridEdit([this](const std::function<void()>& action) { Run(action); }, this);
+    txtGrid_ = new GridEdit([this](const std::function<void()>& action) { Run(action); },
+                            [this] { return mirrors_; }, this);
     frmProgress2_ = new ProgressWindow("frmProgress2", Progress2, ProgressWindow::Manner::OnTop, this);
     frmProgressScan_ =
         new ProgressWindow("frmProgressScan", ProgressScan, ProgressWindow::Manner::Modal, this);
@@ -125,8 +127,11 @@ QWidget* frmMain::BuildButtons() {
     const auto add = [&](const char* name) {
         auto* button = new QPushButton(bar);
         button->setObjectName(QLatin1String(name));
-        connect(button, &QPushButton::clicked, this,
-                [this, name] { Run([name] { CommandOf(name).Click(-1); }); });
+        connect(button, &QPushButton::clicked, this, [this, name] {
+            // A mnemonic clicks without taking the focus.
+            CommitOpenBox();
+            Run([name] { CommandOf(name).Click(-1); });
+        });
         row->addWidget(button);
         return button;
     };
@@ -160,7 +165,10 @@ void frmMain::BuildTabs() {
     for (int tab = 0; tab < kTabs; ++tab) {
         QWidget* page = nullptr;
         if (tab < kMapTabs) {
-            const auto run = [this](const std::function<void()>& action) { Run(action); };
+            const auto run = [this](const std::function<void()>& action) {
+                CommitOpenBox();
+                Run(action);
+            };
             const auto popup = [this](int map, const QPoint& place) { OpenGridMenu(map, place); };
             page = mapPages_[static_cast<std::size_t>(tab)] = new MapPage(tab, run, popup);
         } else if (tab == kGeneralTab) {
@@ -236,6 +244,7 @@ void frmMain::Mirror() {
     MirrorStatusBar();
     MirrorMenus();
     mirrors_ = false;
+    if (std::exchange(tabMoved_, false)) FocusTab(SSTab1.Tab);
     txtGrid_->Mirror(EditMap >= 0 ? mapPages_[static_cast<std::size_t>(EditMap)]->GridView() : nullptr);
     frmProgress2_->Mirror();
     frmProgressScan_->Mirror();
@@ -265,6 +274,7 @@ void frmMain::MirrorTabs() {
     if (SSTab1_->currentIndex() == SSTab1.Tab) return;
     if (SSTab1.Tab >= kFirstSettingsTab && SSTab1.Tab < kGeneralTab) BuildPage(SSTab1.Tab);
     SSTab1_->setCurrentIndex(SSTab1.Tab);
+    tabMoved_ = true;
 }
 
 void frmMain::MirrorPages() {
@@ -298,10 +308,10 @@ void frmMain::MirrorStatusBar() {
 void frmMain::TabChanged(int tab) {
     if (tab < 0) return;
     if (tab >= kFirstSettingsTab && tab < kGeneralTab) BuildPage(tab);
-    Run([tab] {
-        SSTab1.Tab = tab;
-        SSTab1_Click();
-    });
+    SSTab1.Tab = tab;
+    // A window in the background tells nobody that the focus has gone.
+    CommitOpenBox();
+    Run(SSTab1_Click);
     FocusTab(tab);
 }
 

@@ -133,6 +133,7 @@ class frmMain : public QMainWindow {
     std::string title_;
     bool menuOpens_ = false;
     bool mirrors_ = false;
+    bool tabMoved_ = false;  // by the logic, not by the user
     bool popupOpens_ = false;
     bool placed_ = false;
     bool unloaded_ = false;

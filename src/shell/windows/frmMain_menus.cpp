@@ -110,9 +110,8 @@ void frmMain::BuildPowerFcMenu() {
     mnuReadAll_->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_R), QKeySequence(Qt::Key_F5)});
     mnuWriteAll_ = AddCommand(menu, "mnuWriteAll", QStringLiteral("&Write All"),
                               [] { CommandOf("cmdWriteAll").Click(-1); });
-    mnuUpdate_ =
-        AddCommand(menu, "mnuUpdate", QStringLiteral("&Update"), [] { CommandOf("cmdUpdate").Click(-1); });
-    mnuUpdate_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_U));
+    mnuUpdate_ = AddCommand(menu, "mnuUpdate", QStringLiteral("&Update\tCtrl+U"),
+                            [] { CommandOf("cmdUpdate").Click(-1); });
     menu->addSeparator();
     mnuReadMap_ =
         AddCommand(menu, "mnuReadMap", QStringLiteral("Read &Map"), [this] { RunOnMapInView("cmdReadMap"); });
@@ -248,6 +247,12 @@ void frmMain::BuildKeys() {
     };
     add(Qt::Key_F10, true);
     add(Qt::Key_F9, false);
+    // What is being typed may be the first change: only when it is stored there is something to send.
+    auto* update = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_U), this);
+    connect(update, &QShortcut::activated, this, [this] {
+        CommitOpenBox();
+        if (cmdUpdate.Enabled) Run([] { CommandOf("cmdUpdate").Click(-1); });
+    });
 }
 
 void frmMain::ToggleFirstPort(bool open) {

@@ -1,12 +1,13 @@
 #include "shell/windows/frmNumberEntry.h"
 
 #include <QDialogButtonBox>
-#include <QEvent>
+#include <QFocusEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
+#include "shell/windows/gridedit.h"
 #include "shell/windows/shown.h"
 
 namespace zandrel {
@@ -49,7 +50,9 @@ void frmNumberEntry::Reformat() {
 }
 
 bool frmNumberEntry::eventFilter(QObject* object, QEvent* event) {
-    if (object == txtNumber_ && event->type() == QEvent::FocusOut) Reformat();
+    if (object == txtNumber_ && event->type() == QEvent::FocusOut &&
+        IsLeft(static_cast<QFocusEvent*>(event)->reason()))
+        Reformat();
     return QDialog::eventFilter(object, event);
 }
 

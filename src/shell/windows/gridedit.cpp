@@ -15,7 +15,8 @@ bool IsLeft(Qt::FocusReason reason) {
            reason != Qt::MenuBarFocusReason;
 }
 
-GridEdit::GridEdit(Runner run, QWidget* parent) : QLineEdit(parent), run_(std::move(run)) {
+GridEdit::GridEdit(Runner run, std::function<bool()> mirrors, QWidget* parent)
+    : QLineEdit(parent), run_(std::move(run)), mirrors_(std::move(mirrors)) {
     setObjectName(QStringLiteral("txtGrid"));
     setTextMargins(0, 0, 0, 0);
     connect(this, &QLineEdit::textEdited, this,
@@ -65,9 +66,15 @@ void GridEdit::keyPressEvent(QKeyEvent* event) {
     event->accept();
 }
 
+// Tab stores and goes back to the map; the next control might be a button.
+bool GridEdit::focusNextPrevChild(bool) {
+    run_(txtGrid_LostFocus);
+    return true;
+}
+
 void GridEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
-    if (txtGrid.Visible && IsLeft(event->reason())) run_(txtGrid_LostFocus);
+    if (txtGrid.Visible && !mirrors_() && IsLeft(event->reason())) run_(txtGrid_LostFocus);
 }
 
 }  // namespace zandrel

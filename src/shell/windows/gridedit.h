@@ -11,13 +11,16 @@ class MapGridView;
 class GridEdit : public QLineEdit {
   public:
     using Runner = std::function<void(const std::function<void()>& action)>;
-    GridEdit(Runner run, QWidget* parent);
+    /// `mirrors` tells whether the window is being brought in step: a focus lost then was not left by the
+    /// user.
+    GridEdit(Runner run, std::function<bool()> mirrors, QWidget* parent);
 
     /// Opens on `grid`, the map that the box edits, or closes.
     void Mirror(MapGridView* grid);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
@@ -25,6 +28,7 @@ class GridEdit : public QLineEdit {
     void Close();
 
     Runner run_;
+    std::function<bool()> mirrors_;
     MapGridView* grid_ = nullptr;
     unsigned opening_ = 0;
 };

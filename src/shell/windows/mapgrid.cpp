@@ -1,6 +1,7 @@
 #include "shell/windows/mapgrid.h"
 
 #include <QAbstractButton>
+#include <QHash>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -41,7 +42,11 @@ MapKey KeyOf(const QKeyEvent& event) {
     const int code = event.key();
     // Where a keyboard has plus or times on a shifted key, the shift belongs to the character.
     const int unshifted = key.Shift & ~1;
-    if (code >= Qt::Key_0 && code <= Qt::Key_9) return {(pad ? 96 : 48) + code - Qt::Key_0, key.Shift};
+    if (code >= Qt::Key_0 && code <= Qt::Key_9) {
+        // Some keyboards have the digits on shifted keys; one that sends a digit has typed a digit.
+        const bool typed = event.nativeScanCode() != 0 && event.text() == QChar(code);
+        return {(pad ? 96 : 48) + code - Qt::Key_0, typed && !pad ? unshifted : key.Shift};
+    }
     switch (code) {
         case Qt::Key_Asterisk:
             return pad ? MapKey{106, key.Shift} : key.Shift == 0 ? MapKey{106, 0} : MapKey{56, key.Shift};
@@ -52,10 +57,10 @@ MapKey KeyOf(const QKeyEvent& event) {
         case Qt::Key_Minus:
             return {pad ? 109 : 189, key.Shift};
         case Qt::Key_Period:
-            return {pad ? 110 : 190, key.Shift};
+            return {pad ? 110 : 190, pad ? key.Shift : unshifted};
         case Qt::Key_Comma:
             // A number pad's mark is the point, whatever it bears.
-            return {pad ? 110 : 188, key.Shift};
+            return {pad ? 110 : 188, pad ? key.Shift : unshifted};
         case Qt::Key_Delete:
             return {46, key.Shift};
         case Qt::Key_Space:
@@ -129,7 +134,15 @@ class MapHead : public QHeaderView {
     MapGridView* grid_;
 };
 
-// Paints a cell in the colour of its value. A selected cell keeps its colour and gets a frame.
+// Black or white on a colour number; working it out takes longer than painting with it.
+const QColor& InkOn(std::uint32_t number) {
+    static QHash<std::uint32_t, QColor> inks;
+    auto ink = inks.find(number);
+    if (ink == inks.end()) ink = inks.insert(number, ReadableOn(ColourOf(number)));
+    return *ink;
+}
+
+// Paints a cell in the colour of its value. A selected cell keeps its colour within a frame.
 class CellPainter : public QStyledItemDelegate {
   public:
     explicit CellPainter(MapGridView* grid) : QStyledItemDelegate(grid), grid_(grid) {}
@@ -139,30 +152,24 @@ class CellPainter : public QStyledItemDelegate {
         const auto* model = static_cast<const MapModel*>(index.model());
         const std::uint32_t number = model->CellColour(index.row(), index.column());
         const QColor back = number != 0 ? ColourOf(number) : option.palette.color(QPalette::Base);
-        const QColor ink = number != 0 ? ReadableOn(back) : option.palette.color(QPalette::Text);
-        painter->fillRect(option.rect, back);
+        const QColor ink = number != 0 ? InkOn(number) : option.palette.color(QPalette::Text);
+        QRect inner = option.rect;
+        const auto ring = [&](int width, const QColor& colour) {
+            painter->fillRect(inner, colour);
+            inner.adjust(width, width, -width, -width);
+        };
+        if (option.state.testFlag(QStyle::State_Selected)) {
+            ring(2, option.palette.color(QPalette::Highlight));
+            if (grid_->IsCurrent(index)) ring(1, ink);
+        }
+        painter->fillRect(inner, back);
         painter->setFont(grid_->CellFont());
         painter->setPen(ink);
         DrawCellText(painter, option.rect, grid_->Padding(), model->ColumnAlignment(index.column()),
                      model->CellText(index.row(), index.column()));
-        if (option.state.testFlag(QStyle::State_Selected)) {
-            DrawFrame(painter, option.rect, option.palette.color(QPalette::Highlight), ink,
-                      grid_->IsCurrent(index));
-        }
     }
 
   private:
-    static void DrawFrame(QPainter* painter, const QRect& rect, const QColor& outer, const QColor& inner,
-                          bool current) {
-        const auto ring = [&](int inset, const QColor& colour) {
-            painter->setPen(colour);
-            painter->drawRect(rect.adjusted(inset, inset, -1 - inset, -1 - inset));
-        };
-        ring(0, outer);
-        ring(1, outer);
-        if (current) ring(2, inner);
-    }
-
     MapGridView* grid_;
 };
 

@@ -54,7 +54,7 @@ int WidthOfField(const QLineEdit* edit, const std::string& tag) {
 QLineEdit* NumberField(const std::string& tag, QWidget* parent) {
     auto* edit = new QLineEdit(parent);
     edit->setAlignment(Qt::AlignRight);
-    edit->setReadOnly(!HasHandler("txtSetting"));
+    edit->setAcceptDrops(false);  // what is dropped would stand there without the focus, and be left never
     edit->setMinimumWidth(WidthOfField(edit, tag));
     edit->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     edit->setMaximumWidth(edit->minimumWidth());
@@ -293,6 +293,7 @@ QWidget* SettingsPage::BuildMember(int frame, const LayoutCell& cell, QWidget* p
         case 'e': {
             auto* entry = new QLineEdit(parent);
             entry->setMaxLength(8);
+            entry->setAcceptDrops(false);
             entry->setFixedWidth(entry->fontMetrics().horizontalAdvance(QLatin1String("WWWWWWWW")) +
                                  GapOf(entry, 1));
             return BindSingle(Kind::Entry, entry, "Text1", Text1);
@@ -367,9 +368,10 @@ void SettingsPage::MirrorControl(Bound& bound) {
         }
         bound.Widget->setPalette(palette);
     }
-    if (bound.What == Kind::Text && bound.Handled) {
+    if ((bound.What == Kind::Text || bound.What == Kind::Entry) && bound.Handled) {
         auto* edit = static_cast<QLineEdit*>(bound.Widget);
-        if (edit->isReadOnly() != record.Locked) edit->setReadOnly(record.Locked);
+        const bool locked = record.Locked || !SettingsTakeFocus();
+        if (edit->isReadOnly() != locked) edit->setReadOnly(locked);
     }
 }
 
@@ -440,8 +442,10 @@ void SettingsPage::Leave(Bound& bound) {
 void SettingsPage::CommitFocused() {
     for (Bound& bound : bounds_) {
         const bool isBox = bound.What == Kind::Text || bound.What == Kind::Entry;
-        if (isBox && bound.Widget->hasFocus() && static_cast<QLineEdit*>(bound.Widget)->isModified())
-            Leave(bound);
+        if (!isBox || !bound.Widget->hasFocus() || !static_cast<QLineEdit*>(bound.Widget)->isModified())
+            continue;
+        Leave(bound);
+        bound.Stored = true;
     }
 }
 
@@ -460,9 +464,15 @@ bool SettingsPage::ControlEvent(Bound& bound, QEvent* event) {
                 window_.LeaveControls();
             return false;
         case QEvent::FocusOut:
+            // What is half typed when its box goes belongs to nothing any more: the record shows again.
+            if (isBox && window_.Mirrors())
+                bound.Text = static_cast<QLineEdit*>(bound.Widget)->text().toStdString();
             if (isBox && !entered_ && !window_.Mirrors() &&
-                IsLeft(static_cast<QFocusEvent*>(event)->reason()))
-                Leave(bound);
+                IsLeft(static_cast<QFocusEvent*>(event)->reason())) {
+                const bool stored = bound.Stored && !static_cast<QLineEdit*>(bound.Widget)->isModified();
+                bound.Stored = false;
+                if (!stored) Leave(bound);
+            }
             return false;
         case QEvent::KeyPress: {
             const int key = static_cast<QKeyEvent*>(event)->key();
@@ -488,7 +498,7 @@ bool SettingsPage::ControlEvent(Bound& bound, QEvent* event) {
 
 // A click beside the controls stores the box that was open; the right button opens the frame's menu.
 bool SettingsPage::FrameEvent(int frame, QEvent* event) {
-    if (event->type() != QEvent::MouseButtonPress) return false;
+    if (event->type() != QEvent::MouseButtonPress || !FraSettings[frame].Enabled) return false;
     const auto* press = static_cast<QMouseEvent*>(event);
     window_.LeaveControls();
     if (press->button() == Qt::RightButton) window_.OpenFrameMenu(frame, press->globalPosition().toPoint());

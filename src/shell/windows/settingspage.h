@@ -54,6 +54,7 @@ class SettingsPage : public QScrollArea {
         bool Visible = true;
         bool Enabled = true;
         std::uint32_t BackColour = 0;
+        bool Stored = false;  // a command has stored the text already, while the box had the focus
         const Control& Record() const { return Single != nullptr ? *Single : (*Array)[Index]; }
     };
     struct BoundFrame {
