@@ -197,6 +197,23 @@ TEST_F(AutoUpdate, UpdateFails_IsNotTriedOverAndOver) {
     ExpectDeviceEqualsImage();
 }
 
+TEST_F(AutoUpdate, UpdatePressedBeforeTheTimerFails_IsNotTriedByItAgain) {
+    Begin();
+    Impatient();
+    Bump(0x8D);
+    device->Silence(0x8D, powerfc::kForever);
+    ExpectBox(kNotResponding, Box::Exclamation);
+    ExpectBox("Update error", Box::Critical);
+    cmdUpdate_Click();
+    EXPECT_FALSE(TimerRuns(Timer::Update));
+    Bump(0x8E);
+    device->DeadLine(true);
+    ExpectBox(kNotResponding, Box::Exclamation);
+    cmdUpdate_Click();
+    EXPECT_FALSE(TimerRuns(Timer::Update));
+    EXPECT_TRUE(cmdUpdate.Enabled);
+}
+
 TEST_F(AutoUpdate, AnotherPowerFc_IsRefused) {
     Begin();
     Bump(0x8D);
@@ -222,7 +239,7 @@ TEST_F(AutoUpdate, AnotherPowerFcMadeTheOneInForceByAReadMap_IsNotWritten) {
         return Answer::Ok;
     };
     if (TimerRuns(Timer::Update)) FireTimer(Timer::Update);
-    BumpCell(0, 1, 1);
+    Bump(0x8E);
     FireTimer(Timer::Update);
     EXPECT_EQ(Writes(), Frames());
     EXPECT_EQ(Contents(), before);

@@ -185,30 +185,49 @@ TEST_F(BlockWriting, SelectFirstCommandFails_EndsWithTheLinksOwnBox) {
     }
 }
 
-TEST_F(BlockWriting, SelectReadBackFails_HasNotArrived) {
+// Silence is no equal answer: the second command is tried, and reading back shows that it stands.
+TEST_F(BlockWriting, SelectReadBackFails_SecondCommandIsTried) {
     for (const SelectCase& row : {kSelects[0], kSelects[3]}) {
         ReadAndBump(row);
         Impatient();
         device->ReplaceReply(row.Block, powerfc::Frame(0xF2));
         device->Silence(row.Block, 2);
         ExpectBox(kNotResponding, Box::Exclamation);
-        Prepare(row, true);
+        Prepare(row, false);
         EXPECT_EQ(device->Received(),
-                  (Frames{Packet(row.Block, Trimmed(row)), Packet(row.Block), Packet(row.Block)}));
+                  (Frames{Packet(row.Block, Trimmed(row)), Packet(row.Block), Packet(row.Block),
+                          Packet(row.Second, Trimmed(row)), Packet(row.Block)}));
     }
 }
 
-TEST_F(BlockWriting, SelectSecondCommandFails_EndsWithTheLinksOwnBox) {
+TEST_F(BlockWriting, SelectSecondCommandFails_IsTold) {
     for (const SelectCase& row : {kSelects[0], kSelects[3]}) {
         ReadAndBump(row);
         Impatient();
         device->ObeySelects(powerfc::SelectWrites::Never);
         device->Silence(row.Second, 2);
         ExpectBox(kNotResponding, Box::Exclamation);
+        ExpectBox(row.Error, Box::Critical);
         Prepare(row, true);
         EXPECT_EQ(device->Received(),
                   (Frames{Packet(row.Block, Trimmed(row)), Packet(row.Block),
                           Packet(row.Second, Trimmed(row)), Packet(row.Second, Trimmed(row))}));
+    }
+}
+
+TEST_F(BlockWriting, SelectSecondReadBackFails_IsTold) {
+    for (const SelectCase& row : {kSelects[0], kSelects[3]}) {
+        ReadAndBump(row);
+        Impatient();
+        powerfc::Bytes other(ReadData[row.Block].begin(), ReadData[row.Block].end());
+        other[0] ^= 1;
+        device->ReplaceReply(row.Block, powerfc::Frame(0xF2));
+        device->ReplaceReply(row.Block, powerfc::Frame(static_cast<std::uint8_t>(row.Block), other));
+        device->Silence(row.Block, 2);
+        ExpectBox(kNotResponding, Box::Exclamation);
+        ExpectBox(row.Error, Box::Critical);
+        Prepare(row, true);
+        EXPECT_EQ(device->Received().size(), 5u);
     }
 }
 
@@ -329,10 +348,13 @@ TEST_F(BlockWriting, UpdateOfOldestFamilyWhoseWriteIsLost_KeepsItMarked) {
     ExpectDeviceEqualsImage();
 }
 
+// Nobody has edited the function select: it is sent because all is, and waits because it was not taken.
 TEST_F(BlockWriting, WriteAllWithSelectsNeverTaken_GoesOnAndKeepsThemMarked) {
     ReadAndBump(kSelects[0]);
-    Bump(0xD6);
     Bump(0x8E);
+    powerfc::Bytes other = device->Block(0xD6);
+    other[0] ^= 1;
+    device->SetBlock(0xD6, other);
     device->ObeySelects(powerfc::SelectWrites::Never);
     ExpectBox(kSensorError, Box::Critical);
     ExpectBox(kFunctionError, Box::Critical);

@@ -95,7 +95,7 @@ TEST_F(FrameTransfers, ReadThatFails_EndsAndShowsNothing) {
 }
 
 // The last mark has gone with the block that was read: nothing is left to send.
-TEST_F(FrameTransfers, DISABLED_ReadThatFailsBehindTheLastMark_TheButtonGoesOut) {
+TEST_F(FrameTransfers, ReadThatFailsBehindTheLastMark_TheButtonGoesOut) {
     ReadAllOf(kPlain);
     Impatient();
     OpenPopup("&H8D,&H8E");
@@ -276,7 +276,7 @@ TEST_F(FrameTransfers, AskedWhileAnotherRuns_IsNotBegun) {
 
 // --- Another Power-FC ---------------------------------------------------------------------------------
 
-TEST_F(FrameTransfers, DISABLED_WriteToAnotherPowerFc_IsRefused) {
+TEST_F(FrameTransfers, WriteToAnotherPowerFc_IsRefused) {
     for (const std::string other : {kBaseMap, kTwoBaseMaps, kGearbox, kOldest}) {
         SCOPED_TRACE(other);
         ComTimeOutTicks = kDefaultComTimeOutTicks;

@@ -465,6 +465,22 @@ TEST_F(WriteAll, AnotherPowerFcMadeTheOneInForceByAReadMap_IsRefused) {
     EXPECT_EQ(device->Received(), Prelude());
 }
 
+TEST_F(WriteAll, MapThatIsNotOfTheVersionInForce_IsRefused) {
+    ReadAllOf(kPlain);
+    BlockInForce[0x83] = false;
+    ExpectBox(kFirstReadAllWrite, Box::Critical);
+    cmdWriteAll_Click();
+    EXPECT_EQ(device->Received(), Prelude());
+}
+
+TEST_F(WriteAll, SettingThatIsNotOfTheVersionInForce_IsPassedOver) {
+    ReadAllOf(kPlain);
+    BlockInForce[0x8D] = false;
+    cmdWriteAll_Click();
+    for (const std::string& frame : Writes()) EXPECT_NE(frame.substr(0, 2), "8D");
+    EXPECT_EQ(Writes().size() + 1, MapPackets().size() + SettingPackets().size() - 4);  // bare reads
+}
+
 TEST_F(WriteAll, AnotherPowerFcReadWhole_GetsItsOwnImage) {
     ReadAllOf(kPlain);
     ReadAllOf(kBaseMap);

@@ -452,7 +452,7 @@ TEST_F(MapWriting, ReadMap_TakesTheMarksAndTheWayBack) {
 }
 
 // What was read before the failure is in step again, its cells too; the button follows.
-TEST_F(MapWriting, DISABLED_ReadMapThatFails_TakesTheMarksOfWhatItHasRead) {
+TEST_F(MapWriting, ReadMapThatFails_TakesTheMarksOfWhatItHasRead) {
     ReadAllOf(kPlain);
     Impatient();
     BumpCell(0, 1, 1);  // 0x86
