@@ -15,6 +15,21 @@ bool IsLeft(Qt::FocusReason reason) {
            reason != Qt::MenuBarFocusReason;
 }
 
+bool TakesKey(QLineEdit& box, QEvent& event) {
+    if (event.type() != QEvent::ShortcutOverride && event.type() != QEvent::KeyPress) return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    if (key.modifiers() != Qt::ControlModifier) return false;
+    const bool offered = event.type() == QEvent::ShortcutOverride;
+    if (key.key() == Qt::Key_U) {
+        event.setAccepted(!offered);
+        return true;
+    }
+    if (key.key() != Qt::Key_Y) return false;
+    event.accept();
+    if (!offered) box.redo();
+    return true;
+}
+
 GridEdit::GridEdit(Runner run, std::function<bool()> mirrors, QWidget* parent)
     : QLineEdit(parent), run_(std::move(run)), mirrors_(std::move(mirrors)) {
     setObjectName(QStringLiteral("txtGrid"));
@@ -52,6 +67,10 @@ void GridEdit::Close() {
     const bool focused = hasFocus();
     hide();
     if (focused) grid_->setFocus();
+}
+
+bool GridEdit::event(QEvent* event) {
+    return TakesKey(*this, *event) || QLineEdit::event(event);
 }
 
 void GridEdit::keyPressEvent(QKeyEvent* event) {

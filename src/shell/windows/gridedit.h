@@ -19,6 +19,7 @@ class GridEdit : public QLineEdit {
     void Mirror(MapGridView* grid);
 
   protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void focusOutEvent(QFocusEvent* event) override;
@@ -35,5 +36,9 @@ class GridEdit : public QLineEdit {
 
 /// True if a box that loses the focus for `reason` is left: not for a menu over it or another window.
 bool IsLeft(Qt::FocusReason reason);
+
+/// The keys of a text box that desktops differ in: Ctrl+Y does again what the box has undone, Ctrl+U is left
+/// to Update and clears no line. True: `event` was one of them and is dealt with.
+bool TakesKey(QLineEdit& box, QEvent& event);
 
 }  // namespace zandrel

@@ -452,6 +452,7 @@ void SettingsPage::CommitFocused() {
 bool SettingsPage::ControlEvent(Bound& bound, QEvent* event) {
     const bool clicks = bound.What == Kind::Check || bound.What == Kind::Option;
     const bool isBox = bound.What == Kind::Text || bound.What == Kind::Entry;
+    if (isBox && TakesKey(*static_cast<QLineEdit*>(bound.Widget), *event)) return true;
     switch (event->type()) {
         case QEvent::ToolTip: {
             const QString text = ToolTipOf(bound);
