@@ -227,6 +227,7 @@ bool ValidVersion(bool read, bool initialise) {
                 BlockChanged.fill(false);
                 MapCellChanged = {};
                 ClearHistory();
+                LastUpdate.clear();
                 SetCaption("");
                 if (read && !ReadBlock(ExtraBlock, BlockLength[ExtraBlock], true))
                     return FailValidVersion(result);

@@ -105,12 +105,17 @@ int CountChangedCells(int map) {
     return count;
 }
 
-// All cells have been sent. What was edited while the user could is marked still, and so is its block.
-void MarkMapSent(int map) {
-    for (int k = 0; k < BlocksOf(map); ++k) BlockChanged[At(MapFirstBlock[At(map)] + k)] = false;
+// A cell that is marked has a block that is marked, so that an Update goes on with it.
+void MarkBlocksOfCells(int map) {
     ForEachCell([map](int row, int column) {
         if (CellChanged(map, row, column)) BlockChanged[At(PlaceOfCell(map, row, column).Block)] = true;
     });
+}
+
+// All cells have been sent. What was edited while the user could is marked still.
+void MarkMapSent(int map) {
+    for (int k = 0; k < BlocksOf(map); ++k) BlockChanged[At(MapFirstBlock[At(map)] + k)] = false;
+    MarkBlocksOfCells(map);
 }
 
 // Sends one cell. The block before a map is that map's cell-write command; the families without one have a
@@ -257,6 +262,7 @@ bool UpdateMaps() {
         if (UpdateMapBlocks(map)) {
             MarkMapSent(map);
         } else if (!UpdateMapCells(map)) {
+            MarkBlocksOfCells(map);
             return false;
         }
     }
@@ -412,6 +418,7 @@ void WriteMap(int map, bool& failed) {
         for (int column = 1; column <= kMapSide; ++column) {
             if (!SendCell(map, row, column)) {
                 HideProgress(Progress2);
+                MarkBlocksOfCells(map);
                 MessageBox("Error Writing Map", Box::Critical);
                 failed = true;
                 return;
@@ -419,6 +426,7 @@ void WriteMap(int map, bool& failed) {
             CellChanged(map, row, column) = false;
             if (Progress2.Cancelled) {
                 HideProgress(Progress2);
+                MarkBlocksOfCells(map);
                 return;
             }
         }

@@ -128,6 +128,7 @@ void OpenTimers(frmMain& main) {
     for (int i = 0; i < static_cast<int>(Timer::Count); ++i) {
         auto* timer = new QTimer(&main);
         timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer);
         timers.push_back(timer);
     }
     Desktop.StartTimer = [timers, window](Timer which, int milliseconds, const std::function<void()>& fire) {
