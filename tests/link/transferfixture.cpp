@@ -31,7 +31,7 @@ void TransferFixture::ReadAllOf(const std::string& version) {
     Connect(version);
     const auto timeOut = ComTimeOutTicks;
     // A build without 0xF3 is asked for it in vain: a short wait keeps the tests short.
-    if (version == kOldest) ComTimeOutTicks = 20;
+    if (version == kOldest) ComTimeOutTicks = 50;
     cmdReadAll_Click();
     if (version != kOldest) ComTimeOutTicks = timeOut;
     ASSERT_EQ(VerName + VerNumber, version);
