@@ -200,6 +200,13 @@ TEST_F(GridKeys, HeldKey_StepsWithEveryRepeatAndStartsTheTimerOnceEach) {
     EXPECT_EQ(CellsOtherThan(0, 120), 0);
     EXPECT_EQ(TimerStarts(Timer::Update) - before, 20);
     EXPECT_EQ(GridOf(0)->model()->index(19, 19).data().toString().toStdString(), GridCellText(0, 20, 20));
+    // One step of Undo, however long it was held; a new press is a new one.
+    Key(Qt::Key_Plus, kShift);
+    Key(Qt::Key_Z, kCtrl);
+    EXPECT_EQ(CellsOtherThan(0, 120), 0);
+    Key(Qt::Key_Z, kCtrl);
+    EXPECT_EQ(CellsOtherThan(0, 100), 0);
+    EXPECT_FALSE(CanUndo());
 }
 
 TEST_F(GridKeys, PlusAtTheUpperAndMinusAtTheLowerEnd_Stay) {

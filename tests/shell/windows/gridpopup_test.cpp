@@ -136,6 +136,25 @@ TEST_F(GridPopup, PasteOfMoreAndOfRaggedRows_StopsAtTheSelection) {
     EXPECT_EQ(Raw(0, 3, 3), 100);
 }
 
+TEST_F(GridPopup, PasteOfTenMegabytes_FillsTheSelectionAlone) {
+    ShowMap(0, 100);
+    Drag(0, 1, 1, 20, 20);
+    std::string line;
+    while (line.size() < 10000) line += "1.000\t";
+    std::string all;
+    while (all.size() < 10 * 1024 * 1024) all += line + "\r\n";
+    Clipboard() = all;
+    RightClick(0, 2, 2);
+    ClickItemOf(Menu(), "mnuGridPaste");
+    EXPECT_EQ(CellsOtherThan(0, 128), 0);
+    FillMap(0, 100);
+    Clipboard() = std::string(10 * 1024 * 1024, '1');
+    RightClick(0, 2, 2);
+    ClickItemOf(Menu(), "mnuGridPaste");
+    EXPECT_EQ(GridOf(0)->model()->index(0, 0).data().toString().toStdString(), GridCellText(0, 1, 1));
+    EXPECT_EQ(Raw(0, 1, 2), 100);
+}
+
 TEST_F(GridPopup, Interpolate_FillsFromTheCorners) {
     ShowMap(1, 20);
     ReadData[0x81][0] = '\x0A';                       // row 1, column 1

@@ -6,6 +6,7 @@
 #include <QtTest/QTest>
 
 #include "image/image.h"
+#include "link/port.h"
 #include "link/transfers.h"
 #include "shell/windows/editfixture.h"
 #include "support/scripteddesktop.h"
@@ -55,6 +56,26 @@ TEST_F(StatusBar, LastUpdate_IsToldBesideWhatWaits) {
     EXPECT_EQ(Text(), "Updated 14:03:22");
     Key(Qt::Key_Equal);
     EXPECT_EQ(Text(), "Not sent: 1 block, 1 cell · Updated 14:03:22");
+}
+
+TEST_F(StatusBar, LongestTexts_StandWholeInTheDesignSize) {
+    ShowMap(0, 100);
+    Main.resize(747, 542);
+    BlockChanged.fill(true);
+    MapCellChanged = {};
+    for (auto& row : MapCellChanged[0]) row.fill(true);
+    for (auto& row : MapCellChanged[1]) row.fill(true);
+    LastUpdate = "14:03:22";
+    mnuCom[15].Checked = true;
+    Main.Mirror();
+    PaintOut();
+    EXPECT_NE(Text().find(" blocks, 800 cells · Updated 14:03:22"), std::string::npos) << Text();
+    EXPECT_EQ(Main.size(), QSize(747, 542));
+    for (const char* name : {"lblPort", "lblInterface", "lblBuild", "lblUnsent"}) {
+        const auto* label = Named<QLabel>(QString::fromLatin1(name));
+        EXPECT_GE(label->width(), label->sizeHint().width()) << name;
+        EXPECT_LE(label->mapTo(&Main, label->rect().bottomRight()).x(), Main.width()) << name;
+    }
 }
 
 }  // namespace
