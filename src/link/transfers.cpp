@@ -247,7 +247,8 @@ bool UpdateMapCells(int map) {
             if (!SendCell(map, row, column)) return false;
             CellChanged(map, row, column) = false;
             if (!Progress2.Visible) continue;
-            Progress2.Bar = 100.0 * ++sent / count;
+            // Cells that are edited meanwhile are sent too.
+            Progress2.Bar = std::min(100.0, 100.0 * ++sent / count);
             Yield();  // the user may have cancelled, edited or closed
             if (Progress2.Cancelled) return false;
         }

@@ -465,11 +465,8 @@ bool SettingsPage::ControlEvent(Bound& bound, QEvent* event) {
                 window_.LeaveControls();
             return false;
         case QEvent::FocusOut:
-            // What was typed into a box that is going belongs to what was there before.
-            if (isBox && window_.Mirrors()) ShowText(bound);
             // What is half typed when its box goes belongs to nothing any more: the record shows again.
-            if (isBox && window_.Mirrors())
-                bound.Text = static_cast<QLineEdit*>(bound.Widget)->text().toStdString();
+            if (isBox && window_.Mirrors()) ShowText(bound);
             if (isBox && !entered_ && !window_.Mirrors() &&
                 IsLeft(static_cast<QFocusEvent*>(event)->reason())) {
                 const bool stored = bound.Stored && !static_cast<QLineEdit*>(bound.Widget)->isModified();
