@@ -12,15 +12,27 @@
 namespace zandrel {
 namespace {
 
-std::unique_ptr<QSettings> Store;
+std::unique_ptr<QSettings> Ini;
 
 QSettings& OpenStore() {
-    if (Store == nullptr) OpenSettingsStore("");
-    return *Store;
+    if (Ini == nullptr) OpenSettingsStore("");
+    return *Ini;
 }
 
 QString Path(const std::string& section, const std::string& key) {
     return QString::fromStdString(section + "/" + key);
+}
+
+std::string ReadIni(const std::string& section, const std::string& key, const std::string& fallback) {
+    const QVariant value = OpenStore().value(Path(section, key));
+    if (!value.isValid()) return fallback;
+    // A comma list that was typed into the file without quotes comes back as a list.
+    if (value.metaType().id() == QMetaType::QStringList) return value.toStringList().join(",").toStdString();
+    return value.toString().toStdString();
+}
+
+void WriteIni(const std::string& section, const std::string& key, const std::string& value) {
+    OpenStore().setValue(Path(section, key), QString::fromStdString(value));
 }
 
 template <class Whole>
@@ -36,24 +48,13 @@ std::optional<Whole> GetWhole(const std::string& key, Whole fallback) {
 
 void OpenSettingsStore(const std::string& path) {
     if (path.empty()) {
-        Store = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, "Zandrel", "Zandrel");
+        Ini = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, "Zandrel", "Zandrel");
     } else {
-        Store = std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat);
+        Ini = std::make_unique<QSettings>(QString::fromStdString(path), QSettings::IniFormat);
     }
     // A missing key is its default, and not what another program or the whole system has under its name.
-    Store->setFallbacksEnabled(false);
-}
-
-std::string GetSetting(const std::string& section, const std::string& key, const std::string& fallback) {
-    const QVariant value = OpenStore().value(Path(section, key));
-    if (!value.isValid()) return fallback;
-    // A comma list that was typed into the file without quotes comes back as a list.
-    if (value.metaType().id() == QMetaType::QStringList) return value.toStringList().join(",").toStdString();
-    return value.toString().toStdString();
-}
-
-void SaveSetting(const std::string& section, const std::string& key, const std::string& value) {
-    OpenStore().setValue(Path(section, key), QString::fromStdString(value));
+    Ini->setFallbacksEnabled(false);
+    Store = {ReadIni, WriteIni};
 }
 
 std::optional<float> GetSingle(const std::string& key, float fallback) {

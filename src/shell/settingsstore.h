@@ -6,13 +6,12 @@
 #include <optional>
 #include <string>
 
+#include "util/store.h"
+
 namespace zandrel {
 
-/// Uses the INI file at `path` from now on; an empty path is the user's own store.
+/// Opens the door `Store` on the INI file at `path`; an empty path is the user's own store.
 void OpenSettingsStore(const std::string& path);
-
-std::string GetSetting(const std::string& section, const std::string& key, const std::string& fallback);
-void SaveSetting(const std::string& section, const std::string& key, const std::string& value);
 
 // Typed reads of section "Settings". No value: the key holds a text that is none of the type.
 std::optional<float> GetSingle(const std::string& key, float fallback);

@@ -1,5 +1,6 @@
 #include "shell/startstop.h"
 
+#include "files/datafile.h"
 #include "image/image.h"
 #include "link/identify.h"
 #include "link/packets.h"
@@ -142,6 +143,7 @@ void LoadDesign() {
     LoadMapsDesign();
     LoadMapEditingDesign();
     LoadTransfersDesign();
+    LoadFilesDesign();
     RefreshMapRefLabels();
     MainFormState = {};
     SetCaption("");

@@ -56,6 +56,7 @@ struct MenuItem {
     bool Checked = false;
     bool Visible = true;
     bool Enabled = true;
+    std::string Tag = {};  // path of a recent file
 };
 
 struct ComboBox {

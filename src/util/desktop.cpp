@@ -22,7 +22,7 @@ DesktopDoor ClosedDesktop() {
         return box == Box::YesNo || box == Box::YesNoInformation ? Answer::No : Answer::Ok;
     };
     door.BusyPointer = [](bool) {};
-    door.ChooseFileToSave = [](const std::string&) { return std::string(); };
+    door.ChooseFile = [](const FileChoice&) { return std::string(); };
     door.SetClipboard = [](const std::string&) {};
     door.GetClipboard = [] { return std::string(); };
     door.EnterNumber = [](const NumberEntry&, const std::function<void(const std::string&)>&) {};

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace zandrel {
 
@@ -28,6 +29,17 @@ struct NumberEntry {
     std::string Caption, Format, Text;
 };
 
+/// What a file dialog asks: to open a file, or where to save one. Filters as "Data Files(*.dat)", the one
+/// that shows first as its place in the list.
+struct FileChoice {
+    bool Save = false;
+    std::vector<std::string> Filters = {};
+    int FilterIndex = 0;  // from 0
+    std::string Folder = {};
+    std::string Name = {};
+    std::string Suffix = {};  // of a name that has none
+};
+
 /// The timers of the program.
 enum class Timer { Update, Count };
 
@@ -36,7 +48,7 @@ struct DesktopDoor {
     std::function<void()> Yield;                                         // a turn of the event loop
     std::function<Answer(const std::string& text, Box box)> MessageBox;  // waits for the answer
     std::function<void(bool busy)> BusyPointer;
-    std::function<std::string(const std::string& proposed)> ChooseFileToSave;  // empty = cancelled
+    std::function<std::string(const FileChoice& choice)> ChooseFile;  // the path; empty = cancelled
     std::function<void(const std::string& text)> SetClipboard;
     std::function<std::string()> GetClipboard;
     std::function<void(const NumberEntry& entry, std::function<void(const std::string& text)> done)>

@@ -64,7 +64,6 @@ void CleanHooks() {
     RefreshMonitor = [] {};
     InitLogChannels = [](const LogRecord&) {};
     EndComparison = [] {};
-    mnuSaveAs_Click = nullptr;
     tr = [](const std::string& text) { return text; };
 }
 
@@ -91,6 +90,8 @@ CleanState::CleanState() {
     MainFormReady = true;
     ProgramFolder = Folder;
     LoadDesign();
+    // Saving is asked about only where a test means it.
+    mnuSaveAs_Click = nullptr;
     DebugLogInit();
 }
 

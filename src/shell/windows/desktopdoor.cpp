@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QTimer>
+#include <algorithm>
 #include <vector>
 
 #include "link/progress.h"
@@ -98,13 +99,21 @@ Answer ShowBox(QWidget* over, const std::string& text, Box box) {
     return AnswerOf(button == QMessageBox::NoButton ? row->Escape : button);
 }
 
-std::string ChooseFile(QWidget* over, const std::string& proposed) {
+std::string ChooseFile(QWidget* over, const FileChoice& choice) {
     QFileDialog window(over);
     window.setObjectName(QStringLiteral("FileDialog"));
     window.setWindowTitle(QStringLiteral("Zandrel"));
-    window.setAcceptMode(QFileDialog::AcceptSave);
-    window.setFileMode(QFileDialog::AnyFile);
-    window.selectFile(Shown(proposed));
+    window.setAcceptMode(choice.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    window.setFileMode(choice.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    QStringList filters;
+    for (const std::string& filter : choice.Filters) filters += Shown(filter);
+    if (!filters.isEmpty()) {
+        window.setNameFilters(filters);
+        window.selectNameFilter(filters[std::clamp<qsizetype>(choice.FilterIndex, 0, filters.size() - 1)]);
+    }
+    if (!choice.Suffix.empty()) window.setDefaultSuffix(Shown(choice.Suffix));
+    if (!choice.Folder.empty()) window.setDirectory(Shown(choice.Folder));
+    if (!choice.Name.empty()) window.selectFile(Shown(choice.Name));
     WaitFor(window);
     if (window.result() != QDialog::Accepted || window.selectedFiles().isEmpty()) return {};
     return window.selectedFiles().first().toStdString();
@@ -169,9 +178,9 @@ void OpenDesktop(frmMain& main) {
         return ShowBox(Over(window), text, box);
     };
     Desktop.BusyPointer = SetPointer;
-    Desktop.ChooseFileToSave = [window](const std::string& proposed) {
+    Desktop.ChooseFile = [window](const FileChoice& choice) {
         if (window != nullptr) window->Mirror();
-        return ChooseFile(Over(window), proposed);
+        return ChooseFile(Over(window), choice);
     };
     Desktop.SetClipboard = [](const std::string& text) { QApplication::clipboard()->setText(Shown(text)); };
     Desktop.GetClipboard = [] { return QApplication::clipboard()->text().toStdString(); };

@@ -146,10 +146,10 @@ TEST_F(DesktopDoorTest, FileToSave_IsProposedAndChosen) {
         EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
         dialog->reject();
     });
-    EXPECT_EQ(Desktop.ChooseFileToSave("scan x.dat"), "");
+    EXPECT_EQ(Desktop.ChooseFile({.Save = true, .Name = "scan x.dat"}), "");
     const std::string path = Folder + "/scan RB26DETT v6.42.dat";
     withDialog([](QFileDialog* dialog) { QMetaObject::invokeMethod(dialog, "accept"); });
-    EXPECT_EQ(Desktop.ChooseFileToSave(path), path);
+    EXPECT_EQ(Desktop.ChooseFile({.Save = true, .Name = path}), path);
 }
 
 }  // namespace

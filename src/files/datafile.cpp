@@ -1,0 +1,287 @@
+#include "files/datafile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <numeric>
+
+#include "files/datatext.h"
+#include "files/recentfiles.h"
+#include "files/wholefile.h"
+#include "image/history.h"
+#include "image/image.h"
+#include "link/identify.h"
+#include "link/packets.h"
+#include "link/progress.h"
+#include "link/transfers.h"
+#include "tuning/binding.h"
+#include "tuning/display.h"
+#include "tuning/mainform.h"
+#include "tuning/maps.h"
+#include "tuning/settings.h"
+#include "util/desktop.h"
+#include "util/diagnostics.h"
+#include "util/numbers.h"
+#include "util/store.h"
+
+namespace zandrel {
+
+MenuItem mnuOpen, mnuSaveAs, mnuDefault, mnuLoadDefaultAtStart, mnuSaveDefaultOnExit;
+
+namespace {
+
+constexpr std::size_t kLargestFile = 16U << 20;
+constexpr std::size_t kIgnVsTps = 0x99;
+constexpr std::size_t kBoostVsIgn = 0x97;
+
+// Title of the file that the dialog has chosen last.
+std::string DialogTitle;
+
+// Everything that a rejected file has to give back.
+struct Before {
+    decltype(ReadData) Blocks = ReadData;
+    decltype(BlockChanged) Changed = BlockChanged;
+    decltype(BlockInForce) InForce = BlockInForce;
+    decltype(MapCellChanged) Cells = MapCellChanged;
+    std::string Notes = txtNotes.Text;
+    std::string Engine = VerName, Number = VerNumber;
+    TabStrip Tabs = SSTab1;
+};
+
+std::string MapFolder() {
+    return GetSetting("Settings", "MapPath", ProgramFolder + "/Maps/");
+}
+
+FileChoice DataFileChoice(bool save) {
+    return {.Save = save,
+            .Filters = {"All Files (*)", "Data Files (*.dat)"},
+            .FilterIndex = 1,
+            .Folder = MapFolder(),
+            .Suffix = save ? "dat" : ""};
+}
+
+// False: the file is none that fits; the user was told.
+bool ReadMissing(std::size_t block, const std::string& name) {
+    const std::string question = "This file does not contain Settings 4 \"" + name +
+                                 "\" data.\nDo you want to read the missing setting now from an attached "
+                                 "Power-FC?\n\nAnswer No to continue without \"" +
+                                 name + "\".";
+    while (MessageBox(question, Box::YesNo) == Answer::Yes) {
+        if (ReadBlock(static_cast<int>(block), BlockLength[block], true)) return true;
+    }
+    return false;
+}
+
+// Keeps what the build reads and drops all else. False: a block is missing, the user was told.
+bool CheckBlocks() {
+    for (std::size_t b = 0; b < ReadData.size(); ++b) {
+        if (!BlockRead[b]) {
+            ReadData[b].clear();
+        } else if (ReadData[b].size() < BlockLength[b]) {
+            if (b == kIgnVsTps) {
+                ReadMissing(b, "IGN vs TPS");
+            } else if (b == kBoostVsIgn) {
+                ReadMissing(b, "Boost vs Ign SF");
+            } else {
+                MessageBox("File Format Error: Missing Data " + Hex2(static_cast<std::uint32_t>(b)),
+                           Box::Critical);
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+// A frame whose block the file lacks is shown, but can't be edited or sent.
+void EnableIfComplete(int frame, std::size_t block) {
+    if (!FraSettings[frame].Visible) return;
+    const bool complete = ReadData[block].size() >= BlockLength[block];
+    SetFrameEnabled(frame, complete);
+    BlockWrite[block] = complete;
+}
+
+// Takes the blocks and notes of a file in.
+void TakeIn(const std::string& bytes) {
+    DataText data;
+    ParseDataText(bytes, data);
+    ReadData = std::move(data.Blocks);
+    txtNotes.Text = std::move(data.Notes);
+    for (std::size_t b = 0; b < ReadData.size(); ++b) {
+        if (data.Present[b]) BlockChanged[b] = false;
+    }
+}
+
+// False: the user was told why not.
+bool AcceptImage(const std::string& title) {
+    if (!ValidVersion(false, true)) {
+        MessageBox(title + "[" + ReadVerName() + " v" + ReadVerNumber() +
+                       "] is not recognised, or the Power-FC is not supported by this version",
+                   Box::Critical);
+        return false;
+    }
+    if (!CheckBlocks()) return false;
+    EnableIfComplete(1470, kIgnVsTps);
+    EnableIfComplete(460, kBoostVsIgn);
+    for (std::size_t b = 0; b < ReadData.size(); ++b) BlockInForce[b] = !ReadData[b].empty();
+    MapCellChanged = {};
+    ClearHistory();
+    DisplayAllData();
+    cmdUpdate.Enabled = false;
+    cmdWriteAll.Enabled = true;
+    SetCaption(title);
+    return true;
+}
+
+// The image and the display of before, both of one build again.
+void Restore(Before& before) {
+    ReadData = std::move(before.Blocks);
+    txtNotes.Text = before.Notes;
+    BlockChanged = before.Changed;
+    MapCellChanged = before.Cells;
+    if (VerName != before.Engine || VerNumber != before.Number) {
+        VerName = before.Engine;
+        VerNumber = before.Number;
+        if (VerName.empty()) {
+            SSTab1 = before.Tabs;
+        } else {
+            ApplySettingsProfile(VerName, VerNumber);
+            ApplyLogProfile(VerName, VerNumber);
+            LogItemNamesInit();
+            InitMonitorWindow();
+        }
+        SetCaption("");
+        DisplayAllData();
+    }
+    BlockInForce = before.InForce;
+}
+
+std::string WithoutQuotes(const std::string& path) {
+    const bool quoted = path.size() >= 2 && path.front() == '"' && path.back() == '"';
+    return quoted ? path.substr(1, path.size() - 2) : path;
+}
+
+// Length of a block as its frame on the line counts it.
+std::size_t SurveyLength(std::size_t block) {
+    const ByteString& data = ReadData[block];
+    std::size_t sum = block + data.size() + 1;
+    for (const char byte : data) sum += static_cast<std::uint8_t>(byte);
+    return data.size() + 1 - ((sum & 255) > 254 ? 1 : 0);
+}
+
+}  // namespace
+
+void LoadFilesDesign() {
+    mnuOpen = {.Caption = "&Open..."};
+    mnuSaveAs = {.Caption = "Save &As..."};
+    mnuDefault = {.Caption = "Open &Default"};
+    mnuLoadDefaultAtStart = {.Caption = "Load Default at Start"};
+    mnuSaveDefaultOnExit = {.Caption = "Save Default on Exit"};
+    mnuRecentFile = {};
+    mnuRecentFileSep = {.Caption = "-", .Visible = false};
+    DialogTitle.clear();
+    mnuSaveAs_Click = SaveAs;
+}
+
+void OpenFile(std::string& path, bool validate) {
+    Answer answer{};
+    CheckUnsavedData(answer);
+    if (answer == Answer::Cancel) return;
+    if (mnuCompare.Checked) EndComparison();
+    path = WithoutQuotes(path);
+    if (path.empty()) {
+        path = Desktop.ChooseFile(DataFileChoice(false));
+        if (path.empty()) return;
+        DialogTitle = FileTitleOf(path);
+    }
+    const std::string title = FileTitleOf(path);
+    std::string bytes;
+    const FileResult read = ReadWholeFile(path, kLargestFile, bytes);
+    if (read == FileResult::NotOpened) {
+        MessageBox("Error opening " + title, Box::Critical);
+        return;
+    }
+    SaveSetting("Settings", "MapPath", FolderOf(path, title));
+    const LongOperation running;
+    BusyPointer(true);
+    Before before;
+    bool accepted = read == FileResult::Done;
+    if (accepted) {
+        TakeIn(bytes);
+        if (validate) accepted = AcceptImage(title);
+    } else {
+        MessageBox("File Format Error", Box::Critical);
+    }
+    if (!accepted) Restore(before);
+    UpdateFileMenu(path);
+    BusyPointer(false);
+}
+
+void SaveFile(const std::string& path) {
+    if (!WriteWholeFile(path, FormatDataText(ReadData, txtNotes.Text))) {
+        DebugLog("Could not save " + path);
+        return;
+    }
+    SetCaption(DialogTitle);
+    DataChanged = false;
+    UpdateFileMenu(path);
+}
+
+void mnuOpen_Click() {
+    std::string path;
+    OpenFile(path, true);
+}
+
+void mnuDefault_Click() {
+    std::string path = ProgramFolder + "/default.dat";
+    OpenFile(path, true);
+}
+
+void mnuRecentFile_Click(int index) {
+    std::string path = mnuRecentFile[static_cast<std::size_t>(index)].Tag;
+    OpenFile(path, true);
+}
+
+void SaveAs() {
+    FileChoice choice = DataFileChoice(true);
+    const auto dash = MainFormState.Caption.find(" - ");
+    if (dash != std::string::npos) choice.Name = MainFormState.Caption.substr(dash + 3);
+    const std::string path = Desktop.ChooseFile(choice);
+    if (path.empty()) return;
+    DialogTitle = FileTitleOf(path);
+    SaveSetting("Settings", "MapPath", FolderOf(path, DialogTitle));
+    SaveFile(path);
+}
+
+bool TakesDrop(const std::string& firstFile) {
+    std::string end = firstFile.substr(firstFile.size() - std::min<std::size_t>(3, firstFile.size()));
+    for (char& c : end) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return end == "dat";
+}
+
+void Form_OLEDragDrop(const std::vector<std::string>& files) {
+    if (files.empty()) return;
+    std::string path = files.front();
+    OpenFile(path, true);
+}
+
+void SSTab1_OLEDragDrop(const std::vector<std::string>& files) {
+    for (std::string path : files) OpenFile(path, true);
+}
+
+void txtRnD_OLEDragDrop(const std::vector<std::string>& files) {
+    std::string table = "\t";
+    for (std::uint32_t block = 0x30; block <= 0xFF; ++block) table += "\t0x" + Hex2(block);
+    table += "\r\n";
+    for (std::string path : files) {
+        OpenFile(path, false);
+        table += ReadVerName() + "\t" + ReadVerNumber();
+        for (std::size_t block = 0x30; block <= 0xFF; ++block) {
+            table += "\t";
+            if (!ReadData[block].empty()) table += std::to_string(SurveyLength(block));
+        }
+        table += "\r\n";
+    }
+    Desktop.SetClipboard(table);
+}
+
+}  // namespace zandrel

@@ -1,0 +1,92 @@
+#include "files/datatext.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "util/codepage.h"
+
+namespace zandrel {
+namespace {
+
+constexpr std::uint8_t kNoDigit = 0xFF;
+
+constexpr std::array<std::uint8_t, 256> Digits() {
+    std::array<std::uint8_t, 256> digits{};
+    digits.fill(kNoDigit);
+    for (std::uint8_t i = 0; i < 10; ++i) digits[static_cast<std::size_t>('0' + i)] = i;
+    for (std::uint8_t i = 0; i < 6; ++i) {
+        digits[static_cast<std::size_t>('A' + i)] = static_cast<std::uint8_t>(10 + i);
+        digits[static_cast<std::size_t>('a' + i)] = static_cast<std::uint8_t>(10 + i);
+    }
+    return digits;
+}
+
+constexpr std::array<std::uint8_t, 256> kDigits = Digits();
+
+std::uint8_t Digit(char c) {
+    return kDigits[static_cast<std::uint8_t>(c)];
+}
+
+// A pair that is no number counts as far as it is one.
+std::uint8_t Pair(char high, char low) {
+    const std::uint8_t first = Digit(high);
+    const std::uint8_t second = Digit(low);
+    if (first == kNoDigit) return 0;
+    return second == kNoDigit ? first : static_cast<std::uint8_t>(first * 16 + second);
+}
+
+void TakeBlock(std::string_view line, DataText& data) {
+    const std::uint8_t block = Pair(line[0], line[1]);
+    line.remove_prefix(2);
+    ByteString& bytes = data.Blocks[block];
+    bytes.resize((line.size() + 1) / 2);
+    const std::size_t pairs = line.size() / 2;
+    for (std::size_t i = 0; i < pairs; ++i) {
+        bytes[i] = static_cast<char>(Pair(line[2 * i], line[2 * i + 1]));
+    }
+    // A single last digit is a byte of its own.
+    if (line.size() % 2 != 0) bytes[pairs] = static_cast<char>(Pair('0', line.back()));
+    data.Present[block] = true;
+}
+
+void AppendHex(std::string& text, std::uint8_t byte) {
+    constexpr char kHex[] = "0123456789ABCDEF";
+    text += kHex[byte >> 4];
+    text += kHex[byte & 15];
+}
+
+}  // namespace
+
+void ParseDataText(std::string_view bytes, DataText& data) {
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
+        const std::string_view line = bytes.substr(0, end);
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+        if (line.substr(0, 2) == "TT") {
+            data.Notes += FromCodePage(line.substr(2)) + "\r\n";
+        } else if (line.size() > 3) {
+            TakeBlock(line, data);
+        }
+    }
+}
+
+std::string FormatDataText(const std::array<ByteString, 256>& blocks, const std::string& notes) {
+    std::string text;
+    for (std::size_t block = 0; block < blocks.size(); ++block) {
+        if (blocks[block].empty()) continue;
+        AppendHex(text, static_cast<std::uint8_t>(block));
+        for (const char byte : blocks[block]) AppendHex(text, static_cast<std::uint8_t>(byte));
+        text += "\r\n";
+    }
+    if (notes.empty()) return text;
+    const std::string written = ToCodePage(notes);
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t end = written.find("\r\n", start);
+        text += "TT" + written.substr(start, end == written.npos ? end : end - start) + "\r\n";
+        if (end == written.npos) return text;
+        start = end + 2;
+    }
+}
+
+}  // namespace zandrel

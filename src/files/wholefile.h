@@ -1,0 +1,30 @@
+// Files taken in and written as a whole. A file that is written is there complete, or what stood there before
+// still is.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zandrel {
+
+enum class [[nodiscard]] FileResult{Done, NotOpened, Failed, TooLarge};
+
+/// Reads the file at `path`, at most `limit` bytes. NotOpened: there is no such file, or it is none that can
+/// be read.
+FileResult ReadWholeFile(const std::string& path, std::size_t limit, std::string& bytes);
+
+/// Replaces the file at `path`; written beside its place, brought to the disk, then renamed. False: nothing
+/// has changed.
+[[nodiscard]] bool WriteWholeFile(const std::string& path, std::string_view bytes);
+
+/// What stands behind the last separator of a path; all of it if there is none.
+std::string FileTitleOf(const std::string& path);
+
+/// The path up to the first place where its title stands: its folder, separator included.
+std::string FolderOf(const std::string& path, const std::string& title);
+
+/// True for a character that parts the folders of a path on this system.
+bool IsSeparator(char c);
+
+}  // namespace zandrel
