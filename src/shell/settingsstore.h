@@ -1,5 +1,6 @@
 // What is remembered between runs: sections of string keys in one INI file of the user's. Keys are never
-// deleted, all values are texts.
+// deleted, all values are texts. What the file holds beside them is kept, and a file that cannot be read is
+// left alone: this run remembers its keys in memory only.
 #pragma once
 
 #include <cstdint>
@@ -25,5 +26,9 @@ void SaveBoolean(const std::string& key, bool value);
 
 /// Brings everything written so far to the disk.
 void FlushSettingsStore();
+
+/// Keeps a copy of the store's file beside it, with ".unread" behind its name: for a start that could not
+/// take it in, before the stop writes the keys anew.
+void KeepUnreadStore();
 
 }  // namespace zandrel

@@ -1,6 +1,9 @@
 #include "shell/startstop.h"
 
+#include <algorithm>
+
 #include "files/datafile.h"
+#include "files/recentfiles.h"
 #include "image/image.h"
 #include "link/identify.h"
 #include "link/packets.h"
@@ -8,6 +11,7 @@
 #include "link/progress.h"
 #include "link/transfers.h"
 #include "shell/settingsstore.h"
+#include "tuning/binding.h"
 #include "tuning/display.h"
 #include "tuning/mainform.h"
 #include "tuning/mapediting.h"
@@ -28,12 +32,20 @@ bool Take(const std::optional<Value>& value, Target& target) {
     return value.has_value();
 }
 
+// No screen reaches further, and the arithmetic of windows does not either.
+float Reachable(float twips) {
+    constexpr float kFurthest = 480'000;
+    return std::clamp(twips, -kFurthest, kFurthest);
+}
+
 bool RestoreWindow() {
     MainForm& form = MainFormState;
-    return Take(GetSingle("MainLeft", 450), form.Left) && Take(GetSingle("MainTop", 450), form.Top) &&
-           Take(GetSingle("MainHeight", 8130), form.Height) &&
-           Take(GetSingle("MainWidth", 11205), form.Width) &&
-           Take(GetInteger("MainWindowState", 0), form.WindowState);
+    const bool restored =
+        Take(GetSingle("MainLeft", 450), form.Left) && Take(GetSingle("MainTop", 450), form.Top) &&
+        Take(GetSingle("MainHeight", 8130), form.Height) && Take(GetSingle("MainWidth", 11205), form.Width) &&
+        Take(GetInteger("MainWindowState", 0), form.WindowState);
+    for (float* length : {&form.Left, &form.Top, &form.Height, &form.Width}) *length = Reachable(*length);
+    return restored;
 }
 
 bool RestorePort() {
@@ -59,7 +71,19 @@ void HideTabs() {
 }
 
 bool RestoreTicks() {
-    return Take(GetBoolean("ExitCheckUnsavedData", true), mnuCheckUnsavedData.Checked);
+    return Take(GetBoolean("StaurtupLoadDefault", false), mnuLoadDefaultAtStart.Checked) &&
+           Take(GetBoolean("ExitSaveDefault", false), mnuSaveDefaultOnExit.Checked) &&
+           Take(GetBoolean("ExitCheckUnsavedData", true), mnuCheckUnsavedData.Checked);
+}
+
+// What the user asked for, and otherwise the default file. Work that was recovered is not put away for that.
+void LoadFirstFile(const std::string& commandLine) {
+    if (!commandLine.empty()) {
+        std::string path = commandLine;
+        OpenFile(path, true);
+    } else if (mnuLoadDefaultAtStart.Checked && !DataChanged) {
+        mnuDefault_Click();
+    }
 }
 
 bool RestoreTab() {
@@ -96,8 +120,9 @@ bool RestoreMapDisplay() {
     return true;
 }
 
-// The start order. False: a step failed and the rest was skipped.
-bool Start() {
+// The start order up to the first file. False: a step failed and the rest is skipped.
+bool StartWithoutFile() {
+    GetRecentFiles();
     DebugLogInit();
     MainFormReady = true;
     CorvaneVer = GetSetting("Settings", "LastCorvaneVer", "V2.0");
@@ -105,12 +130,18 @@ bool Start() {
     DisplayInitForCorvaneVer();
     CheckCorvaneVer = true;
     GridInit();
+    DisplayAllData();
     if (!RestoreWindow()) return false;
     if (!RestorePort()) return false;
     if (!RestoreLinkSettings()) return false;
     DataChanged = false;
     HideTabs();
-    if (!RestoreTicks()) return false;
+    return RestoreTicks();
+}
+
+// The rest of it.
+bool StartWithFile(const std::string& commandLine) {
+    LoadFirstFile(commandLine);
     if (!RestoreTab()) return false;
     if (!RestoreMapRefLabels()) return false;
     if (!RestoreStoich()) return false;
@@ -149,8 +180,11 @@ void LoadDesign() {
     SetCaption("");
 }
 
-void frmMain_Load() {
-    if (!Start()) MessageBox("Error in frmMain_Load", Box::Critical);
+void frmMain_Load(const std::string& commandLine) {
+    const bool begun = StartWithoutFile();
+    if (begun && StartWithFile(commandLine)) return;
+    KeepUnreadStore();
+    MessageBox("Error in frmMain_Load", Box::Critical);
 }
 
 bool frmMain_QueryUnload() {
@@ -165,6 +199,10 @@ void frmMain_Unload() {
     SavePort();
     SaveWindow();
     SaveBoolean("MainMapRefLabels", mnuMapRefLabels.Checked);
+    // By its name alone: it comes to stand in the current folder, while the start loads the program folder's.
+    if (mnuSaveDefaultOnExit.Checked) SaveFile("default.dat");
+    SaveBoolean("StaurtupLoadDefault", mnuLoadDefaultAtStart.Checked);
+    SaveBoolean("ExitSaveDefault", mnuSaveDefaultOnExit.Checked);
     SaveBoolean("ExitCheckUnsavedData", mnuCheckUnsavedData.Checked);
     SaveNumber("StoichAF", StoichAF);
     SaveNumber("InjMapType", InjMapDisplay);

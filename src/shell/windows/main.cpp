@@ -1,12 +1,25 @@
 // Zandrel: tuning editor and data logger for the Power-FC.
 #include <QApplication>
+#include <QStandardPaths>
 #include <QTimer>
 
+#include "shell/programfolder.h"
 #include "shell/settingsstore.h"
 #include "shell/startstop.h"
 #include "shell/windows/desktopdoor.h"
 #include "shell/windows/frmMain.h"
 #include "util/diagnostics.h"
+
+namespace {
+
+std::string FolderOfProgram() {
+    const QString userFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    return zandrel::ChooseProgramFolder(qEnvironmentVariable("ZANDREL_HOME").toStdString(),
+                                        QApplication::applicationDirPath().toStdString(),
+                                        userFolder.toStdString());
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
@@ -15,13 +28,14 @@ int main(int argc, char** argv) {
     // program.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    const QString home = qEnvironmentVariable("ZANDREL_HOME");
-    zandrel::ProgramFolder = (home.isEmpty() ? QApplication::applicationDirPath() : home).toStdString();
+    zandrel::ProgramFolder = FolderOfProgram();
     zandrel::OpenSettingsStore(qEnvironmentVariable("ZANDREL_SETTINGS").toStdString());
     zandrel::LoadDesign();
     zandrel::frmMain main;
     zandrel::OpenDesktop(main);
-    zandrel::frmMain_Load();
+    // Blanks in a path need no quotes: the whole of the command line is one.
+    const QString words = QApplication::arguments().mid(1).join(QLatin1Char(' '));
+    zandrel::frmMain_Load(zandrel::CommandLinePath(words.toStdString()));
     main.Mirror();
     main.show();
     // The settings pages fill themselves at the first turn of the event loop.

@@ -1,0 +1,33 @@
+#include "shell/programfolder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+namespace zandrel {
+
+bool TakesFiles(const std::string& folder) {
+    const QDir dir(QString::fromStdString(folder));
+    if (folder.empty() || !dir.exists()) return false;
+    QTemporaryFile trial(dir.filePath(QStringLiteral(".zandrel-XXXXXX")));
+    return trial.open();
+}
+
+std::string ChooseProgramFolder(const std::string& home, const std::string& executableFolder,
+                                const std::string& userFolder) {
+    if (!home.empty()) return home;
+    if (TakesFiles(executableFolder)) return executableFolder;
+    QDir().mkpath(QString::fromStdString(userFolder));
+    return userFolder;
+}
+
+std::string CommandLinePath(const std::string& words) {
+    QString path = QString::fromStdString(words);
+    const QLatin1Char quote('"');
+    if (path.size() >= 2 && path.startsWith(quote) && path.endsWith(quote))
+        path = path.mid(1, path.size() - 2);
+    const QFileInfo file(path);
+    return file.isRelative() && file.isFile() ? file.absoluteFilePath().toStdString() : words;
+}
+
+}  // namespace zandrel
