@@ -6,7 +6,9 @@
 #include <numeric>
 
 #include "files/datatext.h"
+#include "files/journal.h"
 #include "files/recentfiles.h"
+#include "files/snapshots.h"
 #include "files/wholefile.h"
 #include "image/history.h"
 #include "image/image.h"
@@ -101,9 +103,7 @@ void EnableIfComplete(int frame, std::size_t block) {
 }
 
 // Takes the blocks and notes of a file in.
-void TakeIn(const std::string& bytes) {
-    DataText data;
-    ParseDataText(bytes, data);
+void TakeIn(DataText data) {
     ReadData = std::move(data.Blocks);
     txtNotes.Text = std::move(data.Notes);
     for (std::size_t b = 0; b < ReadData.size(); ++b) {
@@ -155,6 +155,15 @@ void Restore(Before& before) {
     BlockInForce = before.InForce;
 }
 
+// False: the image is as it was, the user was told why.
+bool Replace(DataText data, const std::string& title) {
+    Before before;
+    TakeIn(std::move(data));
+    if (AcceptImage(title)) return true;
+    Restore(before);
+    return false;
+}
+
 std::string WithoutQuotes(const std::string& path) {
     const bool quoted = path.size() >= 2 && path.front() == '"' && path.back() == '"';
     return quoted ? path.substr(1, path.size() - 2) : path;
@@ -180,6 +189,14 @@ void LoadFilesDesign() {
     mnuRecentFileSep = {.Caption = "-", .Visible = false};
     DialogTitle.clear();
     mnuSaveAs_Click = SaveAs;
+    EndJournal();
+    AfterGesture = WriteJournal;
+    UnsavedDataGivenUp = RestartJournal;
+    BeforeUnsavedIsReplaced = BeforeWriteAll = [] { KeepSnapshot(); };
+    AfterReadAll = [] {
+        RestartJournal();
+        KeepSnapshot();
+    };
 }
 
 void OpenFile(std::string& path, bool validate) {
@@ -203,17 +220,28 @@ void OpenFile(std::string& path, bool validate) {
     SaveSetting("Settings", "MapPath", FolderOf(path, title));
     const LongOperation running;
     BusyPointer(true);
-    Before before;
-    bool accepted = read == FileResult::Done;
-    if (accepted) {
-        TakeIn(bytes);
-        if (validate) accepted = AcceptImage(title);
-    } else {
+    if (read != FileResult::Done) {
         MessageBox("File Format Error", Box::Critical);
+    } else {
+        DataText data;
+        ParseDataText(bytes, data);
+        if (validate) {
+            if (Replace(std::move(data), title)) RestartJournal();
+        } else {
+            TakeIn(std::move(data));
+            RestartJournal();
+        }
     }
-    if (!accepted) Restore(before);
     UpdateFileMenu(path);
     BusyPointer(false);
+}
+
+bool TakeInImage(DataText data, const std::string& title) {
+    const LongOperation running;
+    BusyPointer(true);
+    const bool accepted = Replace(std::move(data), title);
+    BusyPointer(false);
+    return accepted;
 }
 
 void SaveFile(const std::string& path) {
@@ -223,6 +251,7 @@ void SaveFile(const std::string& path) {
     }
     SetCaption(DialogTitle);
     DataChanged = false;
+    RestartJournal();
     UpdateFileMenu(path);
 }
 

@@ -10,6 +10,8 @@
 
 namespace zandrel {
 
+struct DataText;
+
 extern MenuItem mnuOpen, mnuSaveAs, mnuDefault;
 extern MenuItem mnuLoadDefaultAtStart, mnuSaveDefaultOnExit;
 
@@ -18,6 +20,10 @@ void LoadFilesDesign();
 /// Opens the file at `path`, or asks which one if it is empty; `path` becomes what was opened. With
 /// `validate` false the blocks and notes are taken in and nothing else is done.
 void OpenFile(std::string& path, bool validate);
+
+/// Puts `data` in the place of the image, as `OpenFile` does with a file called `title`. False: it is not
+/// taken, the user was told, and the image is as it was.
+bool TakeInImage(DataText data, const std::string& title);
 
 /// Writes image and notes to `path`. A file that cannot be written changes nothing and says nothing.
 void SaveFile(const std::string& path);

@@ -78,6 +78,11 @@ int SingleMap(const Step& step) {
     return one ? map : -1;
 }
 
+void TellEdit() {
+    AfterGesture();
+    AfterEdit();
+}
+
 std::string NameOfLast(const std::deque<Step>& steps) {
     return steps.empty() ? std::string() : steps.back().Name;
 }
@@ -100,7 +105,7 @@ void EditDone() {
     if (Gestures > 0) {
         EditInGesture = true;
     } else {
-        AfterEdit();
+        TellEdit();
     }
 }
 
@@ -113,7 +118,7 @@ Gesture::Gesture(std::string_view name, bool goesOn) {
 Gesture::~Gesture() {
     if (--Gestures > 0) return;
     CloseStep();
-    if (std::exchange(EditInGesture, false)) AfterEdit();
+    if (std::exchange(EditInGesture, false)) TellEdit();
 }
 
 bool CanUndo() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,9 @@ struct Change {
     int Map = -1, Row = 0, Column = 0;
     bool Whole = false;  // the block has no other bytes
 };
+
+/// Runs once after each gesture that has edited, and after Undo and Redo, before `AfterEdit`. Set by files/.
+inline std::function<void()> AfterGesture = [] {};
 
 /// Puts `change.After` in the place of `change.Before`, raises the flags and keeps the change for Undo.
 void Carry(Change change);

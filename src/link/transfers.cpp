@@ -347,9 +347,11 @@ void LoadTransfersDesign() {
 
 void cmdReadAll_Click() {
     if (LongOperationRuns()) return;
+    const bool unsaved = DataChanged;
     Answer answer{};
     CheckUnsavedData(answer);
     if (answer == Answer::Cancel) return;
+    if (unsaved && answer != Answer::Yes) BeforeUnsavedIsReplaced();
     if (mnuCompare.Checked) EndComparison();
     const LongOperation running;
     cmdReadAll.Enabled = false;
@@ -365,6 +367,7 @@ void cmdReadAll_Click() {
         cmdWriteAll.Enabled = true;
         SetCaption("Unsaved Data");
         DataChanged = true;
+        AfterReadAll();
     }
     DisplayAllData();
     BusyPointer(false);
@@ -493,6 +496,7 @@ void cmdWriteAll_Click() {
     }
     cmdWriteAll.Enabled = false;
     BusyPointer(true);
+    BeforeWriteAll();
     // What was cancelled, or not taken, can be sent later.
     if (WriteEverything()) cmdUpdate.Enabled = AnythingToSend();
     cmdWriteAll.Enabled = true;

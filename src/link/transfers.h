@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "util/controls.h"
@@ -21,6 +22,12 @@ extern std::int16_t PopupFrame;  // the frame that the popup was opened for
 
 /// When the last Update went through, local time "14:03:22"; empty if none has.
 extern std::string LastUpdate;
+
+// Set by files/: a Read All is about to take the place of unsaved work; a Write All has passed its checks and
+// begins; a Read All went through.
+inline std::function<void()> BeforeUnsavedIsReplaced = [] {};
+inline std::function<void()> BeforeWriteAll = [] {};
+inline std::function<void()> AfterReadAll = [] {};
 
 /// Puts the buttons into their design state.
 void LoadTransfersDesign();

@@ -23,6 +23,7 @@ void CheckUnsavedData(Answer& answer) {
         if (DataChanged) answer = Answer::Cancel;
     } else if (answer == Answer::No) {
         DataChanged = false;
+        UnsavedDataGivenUp();
     }
 }
 

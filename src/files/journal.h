@@ -1,0 +1,35 @@
+// Unsaved edits on disk, so that a crash loses none. At the first edit after the image was read, opened or
+// saved it is written whole; each gesture then adds a line with the bytes that it has changed. Each running
+// program has a journal of its own in the program folder, held by a lock; one that nobody holds was left by a
+// crash and waits to be recovered.
+#pragma once
+
+namespace zandrel {
+
+/// Asks whether the edits of a run that crashed are to be recovered, if there are any, and begins the journal
+/// of this run. True: they stand in the image. No other file is to be opened then.
+bool OfferRecovery();
+
+/// From here on edits are journalled.
+void BeginJournal();
+
+/// The image and its notes are in the journal as they are now. Runs after each gesture; whoever changes them
+/// otherwise calls it. A failure is a line in the diagnostics log.
+void WriteJournal();
+
+/// The image was saved, replaced or given up: nothing of it needs to be recovered.
+void RestartJournal();
+
+/// The clean stop: nothing of this run's journal is left.
+void EndJournal();
+
+/// True if a run that crashed has left edits. The newest are the ones that are recovered or dropped.
+bool JournalWaits();
+
+/// Puts them into the image, as an opened file, but unsaved. False: they fit no build or could not be read.
+bool RecoverJournal();
+
+/// Gives them up; their image becomes a snapshot.
+void DropJournal();
+
+}  // namespace zandrel
