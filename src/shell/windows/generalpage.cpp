@@ -3,10 +3,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QPainterPath>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/windows/emblem.h"
 #include "shell/windows/shown.h"
 #include "tuning/settings.h"
 #include "util/product.h"
@@ -14,7 +14,6 @@
 namespace zandrel {
 namespace {
 
-// A corner of a map, from lean to rich, with the pull of an engine across it.
 class Emblem : public QWidget {
   public:
     explicit Emblem(QWidget* parent) : QWidget(parent) {
@@ -24,28 +23,10 @@ class Emblem : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent*) override {
-        constexpr int kCells = 5;
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const double cell = double(width()) / kCells;
-        const double gap = cell * 0.12;
-        painter.setPen(Qt::NoPen);
-        for (int row = 0; row < kCells; ++row) {
-            for (int column = 0; column < kCells; ++column) {
-                const double heat = (kCells - 1 - row + column) / (2.0 * (kCells - 1));
-                painter.setBrush(QColor::fromHsvF(static_cast<float>(0.33 * (1 - heat)), 0.75F, 0.85F));
-                painter.drawRoundedRect(
-                    QRectF(column * cell + gap / 2, row * cell + gap / 2, cell - gap, cell - gap), gap, gap);
-            }
-        }
-        QPainterPath pull(QPointF(cell * 0.5, cell * 4.3));
-        pull.cubicTo(QPointF(cell * 2.4, cell * 4.3), QPointF(cell * 2.0, cell * 1.0),
-                     QPointF(cell * 4.5, cell * 0.7));
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(palette().color(QPalette::Window), cell * 0.32, Qt::SolidLine, Qt::RoundCap));
-        painter.drawPath(pull);
-        painter.setPen(QPen(palette().color(QPalette::WindowText), cell * 0.16, Qt::SolidLine, Qt::RoundCap));
-        painter.drawPath(pull);
+        PaintEmblem(painter, width(), 5, palette().color(QPalette::Window),
+                    palette().color(QPalette::WindowText));
     }
 };
 

@@ -7,6 +7,7 @@
 #include "shell/settingsstore.h"
 #include "shell/startstop.h"
 #include "shell/windows/desktopdoor.h"
+#include "shell/windows/emblem.h"
 #include "shell/windows/frmMain.h"
 #include "util/diagnostics.h"
 
@@ -24,6 +25,9 @@ std::string FolderOfProgram() {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Zandrel"));
+    // By the name of its desktop file a desktop finds what belongs to the window.
+    QApplication::setDesktopFileName(QStringLiteral("zandrel"));
+    QApplication::setWindowIcon(zandrel::ProgramIcon());
     // A message box during the start is the last window when it closes; only the main window ends the
     // program.
     QApplication::setQuitOnLastWindowClosed(false);
