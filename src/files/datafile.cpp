@@ -35,6 +35,9 @@ namespace {
 constexpr std::size_t kLargestFile = 16U << 20;
 constexpr std::size_t kIgnVsTps = 0x99;
 constexpr std::size_t kBoostVsIgn = 0x97;
+constexpr int kIgnVsTpsFrame = 1470;
+constexpr int kBoostVsIgnFrame = 460;
+constexpr std::size_t kLongestData = 253;  // of a block on the line
 
 // Title of the file that the dialog has chosen last.
 std::string DialogTitle;
@@ -45,33 +48,40 @@ struct Before {
     decltype(BlockChanged) Changed = BlockChanged;
     decltype(BlockInForce) InForce = BlockInForce;
     decltype(MapCellChanged) Cells = MapCellChanged;
+    decltype(BlockLength) Length = BlockLength;
+    decltype(BlockRead) Read = BlockRead;
+    decltype(BlockWrite) Write = BlockWrite;
     std::string Notes = txtNotes.Text;
     std::string Engine = VerName, Number = VerNumber;
+    std::string Updated = LastUpdate;
     TabStrip Tabs = SSTab1;
+    bool IgnVsTps = FraSettings[kIgnVsTpsFrame].Enabled;
+    bool BoostVsIgn = FraSettings[kBoostVsIgnFrame].Enabled;
 };
 
 std::string MapFolder() {
-    return GetSetting("Settings", "MapPath", ProgramFolder + "/Maps/");
+    const std::string fallback = ProgramFolder + "/Maps/";
+    const std::string folder = GetSetting("Settings", "MapPath", fallback);
+    return FolderOpens(folder) ? folder : fallback;
 }
 
 FileChoice DataFileChoice(bool save) {
     return {.Save = save,
-            .Filters = {"All Files (*)", "Data Files (*.dat)"},
+            .Filters = {"All Files (*.*)", "Data Files(*.dat)"},
             .FilterIndex = 1,
             .Folder = MapFolder(),
             .Suffix = save ? "dat" : ""};
 }
 
-// False: the file is none that fits; the user was told.
-bool ReadMissing(std::size_t block, const std::string& name) {
+// Offers to fetch a block that older files lack, as often as that fails.
+void ReadMissing(std::size_t block, const std::string& name) {
     const std::string question = "This file does not contain Settings 4 \"" + name +
                                  "\" data.\nDo you want to read the missing setting now from an attached "
                                  "Power-FC?\n\nAnswer No to continue without \"" +
                                  name + "\".";
     while (MessageBox(question, Box::YesNo) == Answer::Yes) {
-        if (ReadBlock(static_cast<int>(block), BlockLength[block], true)) return true;
+        if (ReadBlock(static_cast<int>(block), BlockLength[block], true)) return;
     }
-    return false;
 }
 
 // Keeps what the build reads and drops all else. False: a block is missing, the user was told.
@@ -102,6 +112,19 @@ void EnableIfComplete(int frame, std::size_t block) {
     BlockWrite[block] = complete;
 }
 
+// What was loaded may be sent, but for map blocks too long for the line: they are sent as they stand.
+void PutInForce() {
+    for (std::size_t b = 0; b < ReadData.size(); ++b) BlockInForce[b] = !ReadData[b].empty();
+    for (int map = 0; map < kMapTabs; ++map) {
+        const auto tab = static_cast<std::size_t>(map);
+        if (!SSTab1.TabVisible[tab]) continue;
+        for (int k = 0; k < MapCellSize[tab] * 4; ++k) {
+            const auto b = static_cast<std::size_t>(MapFirstBlock[tab] + k);
+            if (ReadData[b].size() > kLongestData) BlockInForce[b] = false;
+        }
+    }
+}
+
 // Takes the blocks and notes of a file in.
 void TakeIn(DataText data) {
     ReadData = std::move(data.Blocks);
@@ -120,9 +143,10 @@ bool AcceptImage(const std::string& title) {
         return false;
     }
     if (!CheckBlocks()) return false;
-    EnableIfComplete(1470, kIgnVsTps);
-    EnableIfComplete(460, kBoostVsIgn);
-    for (std::size_t b = 0; b < ReadData.size(); ++b) BlockInForce[b] = !ReadData[b].empty();
+    EnableIfComplete(kIgnVsTpsFrame, kIgnVsTps);
+    EnableIfComplete(kBoostVsIgnFrame, kBoostVsIgn);
+    PutInForce();
+    BlockChanged.fill(false);
     MapCellChanged = {};
     ClearHistory();
     DisplayAllData();
@@ -132,27 +156,43 @@ bool AcceptImage(const std::string& title) {
     return true;
 }
 
+// What of an earlier build no settings record brings back.
+void RestoreFrame(int frame, bool enabled) {
+    if (FraSettings[frame].Visible) SetFrameEnabled(frame, enabled);
+}
+
+// The display of the build that was in force before, or of none.
+void RestoreVersion(const Before& before) {
+    VerName = before.Engine;
+    VerNumber = before.Number;
+    LastUpdate = before.Updated;
+    if (VerName.empty()) {
+        HideAllFrames();
+        mnuReCalcBase.Enabled = false;
+    } else {
+        ApplySettingsProfile(VerName, VerNumber);
+        ApplyLogProfile(VerName, VerNumber);
+        RestoreFrame(kIgnVsTpsFrame, before.IgnVsTps);
+        RestoreFrame(kBoostVsIgnFrame, before.BoostVsIgn);
+    }
+    BlockLength = before.Length;
+    BlockRead = before.Read;
+    BlockWrite = before.Write;
+    SSTab1 = before.Tabs;
+    LogItemNamesInit();
+    InitMonitorWindow();
+    SetCaption("");
+    DisplayAllData();
+}
+
 // The image and the display of before, both of one build again.
 void Restore(Before& before) {
     ReadData = std::move(before.Blocks);
     txtNotes.Text = before.Notes;
     BlockChanged = before.Changed;
-    MapCellChanged = before.Cells;
-    if (VerName != before.Engine || VerNumber != before.Number) {
-        VerName = before.Engine;
-        VerNumber = before.Number;
-        if (VerName.empty()) {
-            SSTab1 = before.Tabs;
-        } else {
-            ApplySettingsProfile(VerName, VerNumber);
-            ApplyLogProfile(VerName, VerNumber);
-            LogItemNamesInit();
-            InitMonitorWindow();
-        }
-        SetCaption("");
-        DisplayAllData();
-    }
     BlockInForce = before.InForce;
+    MapCellChanged = before.Cells;
+    if (VerName != before.Engine || VerNumber != before.Number) RestoreVersion(before);
 }
 
 // False: the image is as it was, the user was told why.
@@ -185,7 +225,7 @@ void LoadFilesDesign() {
     mnuDefault = {.Caption = "Open &Default"};
     mnuLoadDefaultAtStart = {.Caption = "Load Default at Start"};
     mnuSaveDefaultOnExit = {.Caption = "Save Default on Exit"};
-    mnuRecentFile = {};
+    mnuRecentFile.fill({.Visible = false});
     mnuRecentFileSep = {.Caption = "-", .Visible = false};
     DialogTitle.clear();
     mnuSaveAs_Click = SaveAs;
@@ -200,15 +240,18 @@ void LoadFilesDesign() {
 }
 
 void OpenFile(std::string& path, bool validate) {
+    // What is being read or written is not replaced on the way.
+    if (LongOperationRuns()) return;
     Answer answer{};
     CheckUnsavedData(answer);
     if (answer == Answer::Cancel) return;
     if (mnuCompare.Checked) EndComparison();
-    path = WithoutQuotes(path);
     if (path.empty()) {
         path = Desktop.ChooseFile(DataFileChoice(false));
         if (path.empty()) return;
         DialogTitle = FileTitleOf(path);
+    } else {
+        path = WithoutQuotes(path);
     }
     const std::string title = FileTitleOf(path);
     std::string bytes;
@@ -230,6 +273,10 @@ void OpenFile(std::string& path, bool validate) {
         } else {
             TakeIn(std::move(data));
             RestartJournal();
+            // Nobody knows yet which build these blocks are of.
+            BlockInForce.fill(false);
+            MapCellChanged = {};
+            ClearHistory();
         }
     }
     UpdateFileMenu(path);

@@ -58,10 +58,17 @@ void AppendHex(std::string& text, std::uint8_t byte) {
 }  // namespace
 
 void ParseDataText(std::string_view bytes, DataText& data) {
-    while (!bytes.empty()) {
-        const std::size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
-        const std::string_view line = bytes.substr(0, end);
-        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    // The next of each kind of line end, looked for anew only when it has been passed.
+    std::size_t nextCr = 0, nextLf = 0;
+    const auto place = [bytes](char c, std::size_t from) {
+        return std::min(bytes.find(c, from), bytes.size());
+    };
+    for (std::size_t start = 0; start < bytes.size();) {
+        if (nextCr <= start) nextCr = place('\r', start);
+        if (nextLf <= start) nextLf = place('\n', start);
+        const std::size_t end = std::min(nextCr, nextLf);
+        const std::string_view line = bytes.substr(start, end - start);
+        start = end + 1;
         if (line.substr(0, 2) == "TT") {
             data.Notes += FromCodePage(line.substr(2)) + "\r\n";
         } else if (line.size() > 3) {
@@ -79,13 +86,13 @@ std::string FormatDataText(const std::array<ByteString, 256>& blocks, const std:
         text += "\r\n";
     }
     if (notes.empty()) return text;
-    const std::string written = ToCodePage(notes);
-    std::size_t start = 0;
+    std::string_view rest = notes;
     for (;;) {
-        const std::size_t end = written.find("\r\n", start);
-        text += "TT" + written.substr(start, end == written.npos ? end : end - start) + "\r\n";
-        if (end == written.npos) return text;
-        start = end + 2;
+        // A line end of another system within the notes would make a block of what stands behind it.
+        const std::size_t end = rest.find_first_of("\r\n");
+        text += "TT" + ToCodePage(rest.substr(0, end)) + "\r\n";
+        if (end == rest.npos) return text;
+        rest.remove_prefix(end + (rest.substr(end, 2) == "\r\n" ? 2 : 1));
     }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,15 @@ FileResult ReadWholeFile(const std::string& path, std::size_t limit, std::string
 /// Replaces the file at `path`; written beside its place, brought to the disk, then renamed. False: nothing
 /// has changed.
 [[nodiscard]] bool WriteWholeFile(const std::string& path, std::string_view bytes);
+
+/// Brings what was written to an open file to the disk. False: it did not arrive.
+bool FlushToDisk(int handle);
+
+/// What `WriteWholeFile` flushes by. A test lets it fail, a measurement takes its time.
+inline std::function<bool(int handle)> Flush = FlushToDisk;
+
+/// True if there is such a folder and its files can be listed and opened.
+bool FolderOpens(const std::string& path);
 
 /// What stands behind the last separator of a path; all of it if there is none.
 std::string FileTitleOf(const std::string& path);
