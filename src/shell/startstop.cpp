@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "files/datafile.h"
+#include "files/journal.h"
 #include "files/recentfiles.h"
 #include "image/image.h"
 #include "link/identify.h"
@@ -76,12 +77,12 @@ bool RestoreTicks() {
            Take(GetBoolean("ExitCheckUnsavedData", true), mnuCheckUnsavedData.Checked);
 }
 
-// What the user asked for, and otherwise the default file. Work that was recovered is not put away for that.
-void LoadFirstFile(const std::string& commandLine) {
+// What the user asked for, and otherwise the default file.
+void OpenFirstFile(const std::string& commandLine) {
     if (!commandLine.empty()) {
         std::string path = commandLine;
         OpenFile(path, true);
-    } else if (mnuLoadDefaultAtStart.Checked && !DataChanged) {
+    } else if (mnuLoadDefaultAtStart.Checked) {
         mnuDefault_Click();
     }
 }
@@ -121,7 +122,7 @@ bool RestoreMapDisplay() {
 }
 
 // The start order up to the first file. False: a step failed and the rest is skipped.
-bool StartWithoutFile() {
+bool BeginStart() {
     GetRecentFiles();
     DebugLogInit();
     MainFormReady = true;
@@ -139,9 +140,8 @@ bool StartWithoutFile() {
     return RestoreTicks();
 }
 
-// The rest of it.
-bool StartWithFile(const std::string& commandLine) {
-    LoadFirstFile(commandLine);
+// The start order from the first file on.
+bool EndStart() {
     if (!RestoreTab()) return false;
     if (!RestoreMapRefLabels()) return false;
     if (!RestoreStoich()) return false;
@@ -181,8 +181,11 @@ void LoadDesign() {
 }
 
 void frmMain_Load(const std::string& commandLine) {
-    const bool begun = StartWithoutFile();
-    if (begun && StartWithFile(commandLine)) return;
+    const bool begun = BeginStart();
+    // Also where the start has failed: what a crash has left waits for nothing. Nothing is opened over it.
+    const bool recovered = OfferRecovery();
+    if (begun && !recovered) OpenFirstFile(commandLine);
+    if (begun && EndStart()) return;
     KeepUnreadStore();
     MessageBox("Error in frmMain_Load", Box::Critical);
 }
@@ -209,6 +212,7 @@ void frmMain_Unload() {
     SaveNumber("MapColourScheme", MapColourScheme);
     SaveNumber("BaseMapType", BaseMapDisplay);
     FlushSettingsStore();
+    EndJournal();
 }
 
 }  // namespace zandrel
