@@ -1,12 +1,14 @@
-// zandrel-tour [--out FOLDER]: drives the real windows through the main job, prints each step with its
-// time, leaves pictures, and fails loudly. It talks to whatever ZANDREL_PORTS names; without it, it starts
-// powerfc-sim itself, and only then it writes.
+// zandrel-tour [--out FOLDER] [FILE.dat]: drives the real windows through the main job, prints each step with
+// its time, leaves pictures, and fails loudly. It talks to whatever ZANDREL_PORTS names; without it, it
+// starts powerfc-sim itself, and only then it writes. With a data file it opens that instead, and looks at
+// it.
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <cstdio>
 #include <iterator>
 
+#include "openedfile.h"
 #include "person.h"
 #include "shell/settingsstore.h"
 #include "shell/startstop.h"
@@ -19,8 +21,9 @@
 namespace {
 
 constexpr char kUsage[] =
-    "usage: zandrel-tour [--out FOLDER]\n"
-    "Drives the real windows through the main job and leaves pictures in FOLDER (default: tour).\n";
+    "usage: zandrel-tour [--out FOLDER] [FILE.dat]\n"
+    "Drives the real windows through the main job, or opens FILE.dat in them, and leaves pictures in FOLDER\n"
+    "(default: tour).\n";
 
 // The port number that ZANDREL_PORTS names first.
 int FirstPort() {
@@ -61,11 +64,19 @@ bool StartSimulators(zandrel::SimulatedPowerFc (&simulators)[zandrel::SimulatedC
     return true;
 }
 
+// A file alone is looked at.
+void UseNoPorts() {
+    QStringList ports;
+    for (int n = 1; n <= 16; ++n) ports.append(QStringLiteral("%1=/nowhere").arg(n));
+    qputenv("ZANDREL_PORTS", ports.join(QLatin1Char(',')).toUtf8());
+}
+
 // What an earlier tour has left would pass for this one's. Only a tour's own files go: numbered pictures,
 // and the log and journals of a folder that holds a tour's settings.
 void ForgetEarlierTour(QDir folder) {
     if (!folder.exists(QStringLiteral("tour-settings.ini"))) return;
-    const QStringList own = {QStringLiteral("[0-9][0-9]-*.png"), QStringLiteral("journal-[0-9].txt")};
+    const QStringList own = {QStringLiteral("[0-9][0-9]-*.png"), QStringLiteral("journal-[0-9].txt"),
+                             QStringLiteral("Unsaved*")};
     for (const QString& file : folder.entryList(own, QDir::Files)) {
         folder.remove(file);
     }
@@ -74,7 +85,8 @@ void ForgetEarlierTour(QDir folder) {
     }
 }
 
-int Tour(const QString& folder, const zandrel::TourSetting& setting) {
+// An empty `file`: the whole tour.
+int Tour(const QString& folder, const zandrel::TourSetting& setting, const QString& file) {
     zandrel::ProgramFolder = folder.toStdString();
     zandrel::OpenSettingsStore(QDir(folder).filePath(QStringLiteral("tour-settings.ini")).toStdString());
     zandrel::LoadDesign();
@@ -82,6 +94,10 @@ int Tour(const QString& folder, const zandrel::TourSetting& setting) {
     zandrel::OpenDesktop(window);
     zandrel::BeginTour(window, folder);
     try {
+        if (!file.isEmpty()) {
+            zandrel::LookAtFile(window, file);
+            return 0;
+        }
         zandrel::frmMain_Load();
         window.Mirror();
         window.show();
@@ -113,17 +129,22 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QString folder = QStringLiteral("tour");
+    QString file;
     const QStringList arguments = QApplication::arguments();
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         if (arguments[i] == QStringLiteral("--help")) {
             std::printf("%s", kUsage);
             return 0;
         }
-        if (arguments[i] != QStringLiteral("--out") || i + 1 == arguments.size()) {
+        if (arguments[i] == QStringLiteral("--out") && i + 1 < arguments.size()) {
+            folder = arguments[++i];
+        } else if (!arguments[i].startsWith(QStringLiteral("--"))) {
+            file = arguments.mid(i).join(QLatin1Char(' '));
+            break;
+        } else {
             std::fprintf(stderr, "%s", kUsage);
             return 2;
         }
-        folder = arguments[++i];
     }
     folder = QDir(folder).absolutePath();
     if (!QDir().mkpath(folder)) {
@@ -134,7 +155,9 @@ int main(int argc, char** argv) {
 
     zandrel::SimulatedPowerFc simulators[zandrel::SimulatedCount];
     zandrel::TourSetting setting;
-    if (qEnvironmentVariableIsEmpty("ZANDREL_PORTS")) {
+    if (!file.isEmpty()) {
+        UseNoPorts();
+    } else if (qEnvironmentVariableIsEmpty("ZANDREL_PORTS")) {
         if (!StartSimulators(simulators, QDir(folder))) {
             std::fprintf(stderr, "powerfc-sim does not start\n");
             return 1;
@@ -146,5 +169,5 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "ZANDREL_PORTS names no port from 1 to 16\n");
         return 2;
     }
-    return Tour(folder, setting);
+    return Tour(folder, setting, file);
 }
