@@ -1,9 +1,11 @@
 // A Qt plugin that reports from inside the program when its window stands painted, as a line on the
-// descriptor in ZANDREL_READY_FD: nanoseconds of the steady clock, resident kilobytes.
+// descriptor in ZANDREL_READY_FD: nanoseconds of the steady clock, resident kilobytes, the window's title.
 #include <unistd.h>
 
+#include <QApplication>
 #include <QFile>
 #include <QGenericPlugin>
+#include <QWidget>
 
 #include "paintwatch.h"
 
@@ -17,9 +19,17 @@ QByteArray ResidentKilobytes() {
     return at < 0 ? QByteArray("0") : text.mid(at + 6, text.indexOf("kB", at) - at - 6).trimmed();
 }
 
+QByteArray Title() {
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible()) return window->windowTitle().toUtf8();
+    }
+    return {};
+}
+
 void Report(std::int64_t ns) {
     const int descriptor = qEnvironmentVariableIntValue("ZANDREL_READY_FD");
-    const QByteArray line = QByteArray::number(qlonglong{ns}) + ' ' + ResidentKilobytes() + '\n';
+    const QByteArray line =
+        QByteArray::number(qlonglong{ns}) + ' ' + ResidentKilobytes() + ' ' + Title() + '\n';
     [[maybe_unused]] const ssize_t written = write(descriptor, line.data(), std::size_t(line.size()));
 }
 
