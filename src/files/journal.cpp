@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -17,6 +16,7 @@
 
 #include "files/datafile.h"
 #include "files/datatext.h"
+#include "files/processlock.h"
 #include "files/snapshots.h"
 #include "files/wholefile.h"
 #include "image/image.h"
@@ -41,11 +41,12 @@ constexpr std::string_view kLineEnd = "\r\n";
 // Place of one running program's journal.
 struct Place {
     std::string Path;
-    std::unique_ptr<QLockFile> Lock;
+    std::unique_ptr<ProcessLock> Lock;
 };
 
 Place Own;             // held; no path: none yet
 bool Waits = false;    // a crashed run has left the journal that stands there
+DataText Waiting;      // what it gives
 bool Begun = false;    // edits are journalled
 bool Failing = false;  // the user's log has a line about it
 QFile Lines;           // open for appending while the journal has a base
@@ -147,6 +148,7 @@ bool TakeLine(std::string_view items, DataText& data) {
 
 // What the journal at `path` gives, up to its last whole line. False: there is none.
 bool ReadJournal(const std::string& path, DataText& data) {
+    data = {};
     std::string bytes;
     if (ReadWholeFile(path, kLargestJournal, bytes) != FileResult::Done) return false;
     std::string_view rest = bytes;
@@ -174,16 +176,9 @@ bool ReadJournal(const std::string& path, DataText& data) {
     }
 }
 
-// The lock that a program holds on its journal while it runs. Null: another one holds it.
-std::unique_ptr<QLockFile> LockOf(int program) {
-    auto lock = std::make_unique<QLockFile>(Q(PathOf(program, ".lock")));
-    // A program that runs for days has no stale lock.
-    lock->setStaleLockTime(0);
-    if (lock->tryLock()) return lock;
-    // Left by a crash, but the number of that process now is another's, or the computer's name has changed.
-    if (lock->error() == QLockFile::LockFailedError && lock->removeStaleLockFile() && lock->tryLock())
-        return lock;
-    return nullptr;
+// The lock that a program holds on its journal while it runs.
+std::unique_ptr<ProcessLock> LockOf(int program) {
+    return ProcessLock::Take(PathOf(program, ".lock"));
 }
 
 // A base that was being written when its program was killed.
@@ -195,15 +190,15 @@ void RemoveHalfWritten(const std::string& path) {
     }
 }
 
-void Hold(int program, std::unique_ptr<QLockFile> lock) {
+void Hold(int program, std::unique_ptr<ProcessLock> lock) {
     Own = {PathOf(program, ".journal"), std::move(lock)};
     RemoveHalfWritten(Own.Path);
 }
 
 void LetGo() {
-    if (Own.Lock) Own.Lock->unlock();
     Own = {};
     Waits = false;
+    Waiting = {};
 }
 
 // False: the folder can't be written, or too many programs run.
@@ -225,7 +220,7 @@ void Fail() {
     if (!std::exchange(Failing, true)) DebugLog("Could not journal unsaved changes");
 }
 
-// What has changed since these were kept.
+// The line that makes these to what the image and its notes are now.
 std::string LineFrom(const std::array<ByteString, 256>& kept, const std::string& keptNotes) {
     std::string line = "+";
     for (std::size_t b = 0; b < ReadData.size(); ++b) {
@@ -340,27 +335,27 @@ bool JournalWaits() {
     for (const auto& [time, program] : left) {
         auto lock = LockOf(program);
         if (!lock) continue;
-        // The other program may just have ended well.
-        if (!QFile::exists(Q(PathOf(program, ".journal")))) continue;
         Hold(program, std::move(lock));
-        Waits = true;
-        return true;
+        if (ReadJournal(Own.Path, Waiting)) {
+            Waits = true;
+            return true;
+        }
+        // Or the other program has just ended well.
+        if (QFile::exists(Q(Own.Path))) DebugLog("Unsaved changes could not be read: " + Own.Path);
+        RemoveOwn();
+        LetGo();
     }
     return false;
 }
 
 bool RecoverJournal() {
     if (!JournalWaits()) return false;
-    DataText data;
-    if (!ReadJournal(Own.Path, data)) {
-        DropJournal();
-        return false;
-    }
-    if (!TakeInImage(data, "Recovered Data")) {
+    if (!TakeInImage(Waiting, "Recovered Data")) {
         DropJournal();
         return false;
     }
     Waits = false;
+    Waiting = {};
     DataChanged = true;
     // They stay safe until they are saved.
     if (!WriteBase()) Fail();
@@ -369,14 +364,10 @@ bool RecoverJournal() {
 
 void DropJournal() {
     if (!JournalWaits()) return;
-    DataText data;
-    if (ReadJournal(Own.Path, data)) {
-        KeepSnapshotOf(data);
-    } else {
-        DebugLog("Unsaved changes could not be read");
-    }
+    KeepSnapshotOf(Waiting);
     RemoveOwn();
     Waits = false;
+    Waiting = {};
 }
 
 }  // namespace zandrel

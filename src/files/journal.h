@@ -23,10 +23,11 @@ void RestartJournal();
 /// The clean stop: nothing of this run's journal is left.
 void EndJournal();
 
-/// True if a run that crashed has left edits. The newest are the ones that are recovered or dropped.
+/// True if a run that crashed has left edits. The newest are the ones that are recovered or dropped; a
+/// journal that can't be read is removed, with a line in the diagnostics log.
 bool JournalWaits();
 
-/// Puts them into the image, as an opened file, but unsaved. False: they fit no build or could not be read.
+/// Puts them into the image, as an opened file, but unsaved. False: they fit no build, and were dropped.
 bool RecoverJournal();
 
 /// Gives them up; their image becomes a snapshot.

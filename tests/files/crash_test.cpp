@@ -88,7 +88,9 @@ TEST_F(Crash, KilledAHundredTimes_NoGestureIsLost) {
         {
             QProcess victim;
             Start(victim, "edit", round);
-            KillAfter(victim, 1, round % 2 == 0 ? 2000 : 40000);
+            // Half of them early, around the first base, half of them anywhere.
+            const int least = 1 + static_cast<int>(random_() % (round % 2 == 0 ? 5 : 2000));
+            KillAfter(victim, least, round % 2 == 0 ? 2000 : 10000);
         }
         if (HasFatalFailure()) return;
         gestures += static_cast<int>(lines_.size()) / 2;
@@ -98,7 +100,7 @@ TEST_F(Crash, KilledAHundredTimes_NoGestureIsLost) {
         if (round % 4 == 0) {
             QProcess hasty;
             Start(hasty, "recover", 0);
-            std::this_thread::sleep_for(std::chrono::microseconds(random_() % 40000));
+            std::this_thread::sleep_for(std::chrono::microseconds(random_() % 8000));
             hasty.kill();
             ASSERT_TRUE(hasty.waitForFinished());
             hastyState = State(hasty);
@@ -113,7 +115,7 @@ TEST_F(Crash, KilledAHundredTimes_NoGestureIsLost) {
         EXPECT_EQ(Left(), "");
     }
     // The rounds were what they are meant to be.
-    EXPECT_GT(recovered, 50);
+    EXPECT_GT(recovered, 40);
     EXPECT_GT(gestures, 1000);
     std::printf("%d recovered; %d gestures; killed within one %d times, in the take-over %d times\n",
                 recovered, gestures, onTheWay, inTakeOver);

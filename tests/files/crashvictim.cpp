@@ -16,6 +16,7 @@
 #include "image/image.h"
 #include "shell/startstop.h"
 #include "tuning/display.h"
+#include "tuning/mainform.h"
 #include "tuning/maps.h"
 #include "tuning/settings.h"
 #include "util/desktop.h"
@@ -42,25 +43,26 @@ class Hands {
     }
 
     void Do() {
-        const int what = Below(100);
-        if (what < 30) {
+        const int what = Below(10000);
+        if (what < 3000) {
             SetCell(Below(2), 1 + Below(kMapSide), 1 + Below(kMapSide), Below(256));
-        } else if (what < 45) {
+        } else if (what < 4500) {
             FillRectangle();
-        } else if (what < 65) {
-            ReplaceBlock(AnyBlock(), Bytes());
-        } else if (what < 80) {
+        } else if (what < 6500) {
+            const std::size_t block = blocks_[static_cast<std::size_t>(Below(int(blocks_.size())))];
+            ReplaceBlock(block, Spoilt(ReadData[block]));
+        } else if (what < 8000) {
             int map = 0;
             Undo(map);
-        } else if (what < 90) {
+        } else if (what < 9000) {
             int map = 0;
             Redo(map);
-        } else if (what < 97) {
+        } else if (what < 9980) {
             txtNotes.Text.insert(static_cast<std::size_t>(Below(int(txtNotes.Text.size()) + 1)), "Note\r\n");
             if (txtNotes.Text.size() > 600) txtNotes.Text.erase(0, 300);
             DataChanged = true;
             EditDone();
-        } else if (what < 99) {
+        } else if (what < 9990) {
             Say('s');
             SaveFile(ProgramFolder + "/saved.dat");
             Say('S');
@@ -75,10 +77,7 @@ class Hands {
   private:
     int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
 
-    std::size_t AnyBlock() { return block_ = blocks_[static_cast<std::size_t>(Below(int(blocks_.size())))]; }
-
-    ByteString Bytes() {
-        ByteString bytes = ReadData[block_];
+    ByteString Spoilt(ByteString bytes) {
         for (int k = 0; k < 5; ++k)
             bytes[static_cast<std::size_t>(Below(int(bytes.size())))] = char(Below(256));
         return bytes;
@@ -94,7 +93,6 @@ class Hands {
 
     std::mt19937 random_;
     std::vector<std::size_t> blocks_;
-    std::size_t block_ = 0;
 };
 
 void Edit(unsigned seed) {
@@ -126,6 +124,7 @@ int main(int argc, char** argv) {
     zandrel::LoadDesign();
     zandrel::MainFormReady = true;
     zandrel::GridInit();
+    zandrel::mnuCheckUnsavedData.Checked = false;
     if (argv[1] == std::string("edit")) zandrel::Edit(static_cast<unsigned>(std::stoul(argv[3])));
     zandrel::Recover();
     return 0;
