@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "files/datafile.h"
+#include "files/snapshots.h"
+#include "image/image.h"
 #include "link/identify.h"
 #include "link/port.h"
 #include "link/progress.h"
@@ -11,6 +14,7 @@
 #include "link/transfers.h"
 #include "shell/windows/shown.h"
 #include "tuning/binding.h"
+#include "tuning/mainform.h"
 #include "tuning/mapediting.h"
 #include "tuning/maps.h"
 
@@ -18,7 +22,10 @@ namespace zandrel {
 namespace {
 
 constexpr char kNoCurves[] = "Editing curves is not part of this version.";
-constexpr char kNoNotes[] = "Editing notes is not part of this version.";
+
+void Flip(MenuItem& item) {
+    item.Checked = !item.Checked;
+}
 
 // clang-format off
 constexpr Command kCommands[] = {
@@ -35,9 +42,17 @@ constexpr Command kCommands[] = {
     {"optSetting",              optSetting_Click,                           ""},
     {"lblSetting",              lblSetting_Click,                           ""},
     {"Text1",                   [](int) { Text1_LostFocus(); },             ""},
-    {"txtNotes",                nullptr,                                    kNoNotes},
+    {"txtNotes",                [](int) { DataChanged = true; },            ""},
     {"comMapType",              comMapType_Click,                           ""},
     {"chkSplit",                chkSplit_Click,                             ""},
+    {"mnuOpen",                 [](int) { mnuOpen_Click(); },               ""},
+    {"mnuOpenSnapshot",         OpenSnapshot,                               ""},
+    {"mnuDefault",              [](int) { mnuDefault_Click(); },            ""},
+    {"mnuSaveAs",               [](int) { if (mnuSaveAs_Click) mnuSaveAs_Click(); }, ""},
+    {"mnuRecentFile",           mnuRecentFile_Click,                        ""},
+    {"mnuLoadDefaultAtStart",   [](int) { Flip(mnuLoadDefaultAtStart); },   ""},
+    {"mnuSaveDefaultOnExit",    [](int) { Flip(mnuSaveDefaultOnExit); },    ""},
+    {"mnuCheckUnsavedData",     [](int) { Flip(mnuCheckUnsavedData); },     ""},
     {"mnuUndo",                 [](int) { mnuUndo_Click(); },               ""},
     {"mnuRedo",                 [](int) { mnuRedo_Click(); },               ""},
     {"mnuRead",                 [](int) { mnuRead_Click(); },               ""},

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
@@ -99,22 +100,57 @@ Answer ShowBox(QWidget* over, const std::string& text, Box box) {
     return AnswerOf(button == QMessageBox::NoButton ? row->Escape : button);
 }
 
+// A filter shows its text as it stands; its pattern, in brackets behind, stays hidden. On systems whose names
+// need no dot "*.*" means every file, and ".DAT" is ".dat" in capitals.
+QString NameFilter(const std::string& filter) {
+    const QString shown = Shown(filter);
+    QString pattern = shown.section(QLatin1Char('('), -1).section(QLatin1Char(')'), 0, 0);
+    if (pattern == QLatin1String("*.*")) pattern = QStringLiteral("*");
+    if (pattern != pattern.toUpper()) pattern += QLatin1Char(' ') + pattern.toUpper();
+    return QStringLiteral("%1 (%2)").arg(shown, pattern);
+}
+
+// A folder that has gone gives way to the one above it.
+QString NearestFolder(const std::string& folder) {
+    QString path = QDir::cleanPath(Shown(folder));
+    while (!QDir(path).exists()) {
+        const QString above = QDir::cleanPath(path + QStringLiteral("/.."));
+        if (above == path || above.startsWith(QLatin1String(".."))) return QDir::homePath();
+        path = above;
+    }
+    return path;
+}
+
+// A proposed name stays a name: engines and files are called what they are called, and the dialog takes
+// quotes for its own.
+QString ProposedName(const std::string& name) {
+    QString proposed = Printable(name);
+    for (QChar& letter : proposed) {
+        if (QStringLiteral("/\\\"").contains(letter)) letter = QLatin1Char('_');
+    }
+    return proposed;
+}
+
 std::string ChooseFile(QWidget* over, const FileChoice& choice) {
     QFileDialog window(over);
     window.setObjectName(QStringLiteral("FileDialog"));
     window.setWindowTitle(QStringLiteral("Zandrel"));
     window.setAcceptMode(choice.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     window.setFileMode(choice.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    window.setOption(QFileDialog::HideNameFilterDetails);
     QStringList filters;
-    for (const std::string& filter : choice.Filters) filters += Shown(filter);
+    for (const std::string& filter : choice.Filters) filters += NameFilter(filter);
     if (!filters.isEmpty()) {
         window.setNameFilters(filters);
         window.selectNameFilter(filters[std::clamp<qsizetype>(choice.FilterIndex, 0, filters.size() - 1)]);
     }
     if (!choice.Suffix.empty()) window.setDefaultSuffix(Shown(choice.Suffix));
-    if (!choice.Folder.empty()) window.setDirectory(Shown(choice.Folder));
-    if (!choice.Name.empty()) window.selectFile(Shown(choice.Name));
+    if (!choice.Folder.empty()) window.setDirectory(NearestFolder(choice.Folder));
+    if (!choice.Name.empty()) window.selectFile(ProposedName(choice.Name));
+    const bool busy = PointerIsBusy;
+    if (busy) QApplication::setOverrideCursor(Qt::ArrowCursor);
     WaitFor(window);
+    if (busy) QApplication::restoreOverrideCursor();
     if (window.result() != QDialog::Accepted || window.selectedFiles().isEmpty()) return {};
     return window.selectedFiles().first().toStdString();
 }

@@ -6,7 +6,9 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QInputMethod>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
@@ -17,11 +19,13 @@
 #include <cmath>
 #include <utility>
 
+#include "files/datafile.h"
 #include "link/port.h"
 #include "link/progress.h"
 #include "link/transfers.h"
 #include "shell/startstop.h"
 #include "shell/windows/commands.h"
+#include "shell/windows/droptarget.h"
 #include "shell/windows/generalpage.h"
 #include "shell/windows/gridedit.h"
 #include "shell/windows/mapgrid.h"
@@ -111,6 +115,7 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setCentralWidget(body);
     BuildStatusBar();
     BuildMenus();
+    BuildDropTargets();
     txtGrid_ = new GridEdit([this](const std::function<void()>& action) { Run(action); },
                             [this] { return mirrors_; }, this);
     frmProgress2_ = new ProgressWindow("frmProgress2", Progress2, ProgressWindow::Manner::OnTop, this);
@@ -188,6 +193,24 @@ void frmMain::BuildTabs() {
     });
 }
 
+// Files dropped on the tabs are opened one after the other, of those dropped elsewhere only the first.
+void frmMain::BuildDropTargets() {
+    const auto add = [this](QWidget* target, void (*drop)(const std::vector<std::string>& files)) {
+        new DropTarget(target, [this, drop](const std::vector<std::string>& files) {
+            CommitOpenBox();
+            Run([&] { drop(files); });
+        });
+    };
+    add(this, Form_OLEDragDrop);
+    add(SSTab1_, SSTab1_OLEDragDrop);
+    // For whoever surveys the lengths of blocks; nothing shows it.
+    auto* survey = new QPlainTextEdit(QStringLiteral("Drop .dat \nhere\n"), centralWidget());
+    survey->setObjectName(QStringLiteral("txtRnD"));
+    survey->setReadOnly(true);
+    survey->hide();
+    add(survey, txtRnD_OLEDragDrop);
+}
+
 void frmMain::BuildStatusBar() {
     const auto add = [this](const char* name, int stretch) {
         auto* label = new QLabel(this);
@@ -226,6 +249,8 @@ void frmMain::Run(const std::function<void()>& action) {
 }
 
 void frmMain::CommitOpenBox() {
+    // What an input method still composes is typed, too.
+    QGuiApplication::inputMethod()->commit();
     if (txtGrid.Visible) Run(txtGrid_LostFocus);
     for (SettingsPage* page : settingsPages_) {
         if (page != nullptr) page->CommitFocused();
@@ -255,7 +280,9 @@ void frmMain::MirrorTitle() {
     const std::string& title = MainFormState.Caption;
     if (title == title_ && !title.empty()) return;
     title_ = title;
-    setWindowTitle(title.empty() ? QStringLiteral("Zandrel") : Shown(title));
+    // A file may be called "[*]"; what Qt puts a mark in place of stands there twice.
+    const QString mark = QStringLiteral("[*]");
+    setWindowTitle(title.empty() ? QStringLiteral("Zandrel") : Shown(title).replace(mark, mark + mark));
 }
 
 void frmMain::MirrorTabs() {

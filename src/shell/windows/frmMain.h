@@ -55,6 +55,7 @@ class frmMain : public QMainWindow {
         const MenuItem* Record;
         bool Handled;
         std::string Caption;
+        std::string Tag = {};
     };
 
     // Runs what the user asked for, then shows what came of it.
@@ -66,11 +67,13 @@ class frmMain : public QMainWindow {
 
     QWidget* BuildButtons();
     void BuildTabs();
+    void BuildDropTargets();
     void BuildStatusBar();
     SettingsPage* BuildPage(int tab);
 
     void BuildMenus();
     void BuildFileMenu();
+    void OpenSnapshotMenu();
     void BuildEditMenu();
     void BuildPowerFcMenu();
     void BuildFrameMenu();
@@ -80,6 +83,7 @@ class frmMain : public QMainWindow {
     void BuildHelpMenu();
     void BuildKeys();
     QAction* AddItem(QMenu* menu, const char* name, const MenuItem& record, int index = -1);
+    QString CaptionOf(const BoundAction& item) const;
     QAction* AddCommand(QMenu* menu, const char* name, const QString& caption,
                         const std::function<void()>& action);
     void OpenPortMenu();
@@ -115,6 +119,8 @@ class frmMain : public QMainWindow {
     QLabel* lblBuild_ = nullptr;
     QLabel* lblUnsent_ = nullptr;
     GridEdit* txtGrid_ = nullptr;
+    QMenu* mnuOpenSnapshot_ = nullptr;
+    QAction* mnuRecentFileSep_ = nullptr;
     QAction* mnuReadAll_ = nullptr;
     QAction* mnuReadMap_ = nullptr;
     QAction* mnuWriteAll_ = nullptr;

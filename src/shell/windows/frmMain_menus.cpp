@@ -7,6 +7,9 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "files/datafile.h"
+#include "files/recentfiles.h"
+#include "files/snapshots.h"
 #include "link/port.h"
 #include "link/progress.h"
 #include "link/transfers.h"
@@ -16,6 +19,7 @@
 #include "shell/windows/mappage.h"
 #include "shell/windows/shown.h"
 #include "tuning/display.h"
+#include "tuning/mainform.h"
 #include "tuning/mapediting.h"
 #include "tuning/maps.h"
 #include "util/diagnostics.h"
@@ -74,11 +78,41 @@ QAction* frmMain::AddCommand(QMenu* menu, const char* name, const QString& capti
 void frmMain::BuildFileMenu() {
     QMenu* menu = menuBar()->addMenu(QStringLiteral("&File"));
     menu->setObjectName(QStringLiteral("mnuFile"));
+    AddItem(menu, "mnuOpen", mnuOpen)->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_O));
+    mnuOpenSnapshot_ = menu->addMenu(QStringLiteral("Open S&napshot"));
+    mnuOpenSnapshot_->setObjectName(QStringLiteral("mnuOpenSnapshot"));
+    connect(mnuOpenSnapshot_, &QMenu::aboutToShow, this, [this] { OpenSnapshotMenu(); });
+    AddItem(menu, "mnuDefault", mnuDefault);
+    AddItem(menu, "mnuSaveAs", mnuSaveAs)
+        ->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_S), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)});
+    menu->addSeparator();
+    AddItem(menu, "mnuLoadDefaultAtStart", mnuLoadDefaultAtStart)->setCheckable(true);
+    AddItem(menu, "mnuSaveDefaultOnExit", mnuSaveDefaultOnExit)->setCheckable(true);
+    AddItem(menu, "mnuCheckUnsavedData", mnuCheckUnsavedData)->setCheckable(true);
+    mnuRecentFileSep_ = menu->addSeparator();
+    for (std::size_t i = 0; i < mnuRecentFile.size(); ++i) {
+        AddItem(menu, "mnuRecentFile", mnuRecentFile[i], static_cast<int>(i));
+    }
+    menu->addSeparator();
     QAction* exit = menu->addAction(QStringLiteral("E&xit"));
     exit->setObjectName(QStringLiteral("mnuExit"));
     exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     exit->setMenuRole(QAction::QuitRole);
     connect(exit, &QAction::triggered, this, [this] { close(); });
+}
+
+// What is there is looked up anew each time.
+void frmMain::OpenSnapshotMenu() {
+    mnuOpenSnapshot_->clear();
+    const std::vector<Snapshot> snapshots = ListSnapshots();
+    for (std::size_t i = 0; i < snapshots.size(); ++i) {
+        const int index = static_cast<int>(i);
+        QAction* item = AddCommand(mnuOpenSnapshot_, "", WithoutMnemonic(snapshots[i].Caption),
+                                   [index] { CommandOf("mnuOpenSnapshot").Click(index); });
+        item->setObjectName(MemberName("mnuOpenSnapshot", index));
+        item->setStatusTip(Printable(snapshots[i].Path));
+    }
+    if (snapshots.empty()) mnuOpenSnapshot_->addAction(QStringLiteral("None kept yet"))->setEnabled(false);
 }
 
 void frmMain::BuildEditMenu() {
@@ -264,17 +298,33 @@ void frmMain::RunOnMapInView(const char* name) {
     if (SSTab1.Tab < kMapTabs) CommandOf(name).Click(SSTab1.Tab);
 }
 
+QString frmMain::CaptionOf(const BoundAction& item) const {
+    const std::string& caption = item.Record->Caption;
+    const auto isOneOf = [&item](const auto& records) {
+        return item.Record >= records.data() && item.Record < records.data() + records.size();
+    };
+    // Ports carry device names: an "&" in one is no mnemonic.
+    if (isOneOf(mnuCom)) return WithoutMnemonic(caption);
+    if (!isOneOf(mnuRecentFile)) return WithMnemonic(caption, MnemonicsBeside(item.Menu, item.Action));
+    // Only the digit is one, whatever the file is called, and a long name gets no menu across the screen.
+    constexpr int kLongest = 70;
+    const QString path =
+        fontMetrics().elidedText(Printable(caption.substr(std::min<std::size_t>(1, caption.size()))),
+                                 Qt::ElideMiddle, kLongest * fontMetrics().averageCharWidth());
+    return QLatin1Char('&') + WithoutMnemonic(path.toStdString());
+}
+
 void frmMain::MirrorMenus() {
     const bool runs = LongOperationRuns();
     for (BoundAction& item : items_) {
         const MenuItem& record = *item.Record;
         if (record.Caption != item.Caption) {
             item.Caption = record.Caption;
-            // Ports carry device names: an "&" in one is no mnemonic.
-            const bool port = item.Record >= mnuCom.data() && item.Record < mnuCom.data() + mnuCom.size();
-            item.Action->setText(port
-                                     ? WithoutMnemonic(record.Caption)
-                                     : WithMnemonic(record.Caption, MnemonicsBeside(item.Menu, item.Action)));
+            item.Action->setText(CaptionOf(item));
+        }
+        if (record.Tag != item.Tag) {
+            item.Tag = record.Tag;
+            item.Action->setStatusTip(Printable(record.Tag));
         }
         if (item.Action->isCheckable() && item.Action->isChecked() != record.Checked) {
             item.Action->setChecked(record.Checked);
@@ -291,6 +341,7 @@ void frmMain::MirrorMenus() {
         if (action->isEnabled() != enabled) action->setEnabled(enabled);
     };
     const bool mapInView = SSTab1.Tab < kMapTabs && !VerName.empty();
+    enable(mnuOpenSnapshot_->menuAction(), !runs);
     enable(mnuReadAll_, cmdReadAll.Enabled && !runs);
     const auto map = static_cast<std::size_t>(std::min(SSTab1.Tab, kMapTabs - 1));
     enable(mnuReadMap_, mapInView && cmdReadMap[map].Enabled && !runs);
@@ -298,6 +349,9 @@ void frmMain::MirrorMenus() {
     enable(mnuWriteAll_, cmdWriteAll.Enabled && !runs);
     enable(mnuUpdate_, cmdUpdate.Enabled && !runs);
     if (mnuSep4_->isVisible() != mnuSep4.Visible) mnuSep4_->setVisible(mnuSep4.Visible);
+    if (mnuRecentFileSep_->isVisible() != mnuRecentFileSep.Visible) {
+        mnuRecentFileSep_->setVisible(mnuRecentFileSep.Visible);
+    }
     enable(mnuScan_, !runs && MSComm1.PortOpen());
     enable(mnuAbout_, !runs);
     enable(mnuSetupBaseMap_->menuAction(), BaseMapIndex != kNoMap);

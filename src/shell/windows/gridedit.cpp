@@ -15,7 +15,7 @@ bool IsLeft(Qt::FocusReason reason) {
            reason != Qt::MenuBarFocusReason;
 }
 
-bool TakesKey(QLineEdit& box, QEvent& event) {
+bool TakesKey(QEvent& event, bool& redo) {
     if (event.type() != QEvent::ShortcutOverride && event.type() != QEvent::KeyPress) return false;
     const auto& key = static_cast<const QKeyEvent&>(event);
     if (key.modifiers() != Qt::ControlModifier) return false;
@@ -26,7 +26,7 @@ bool TakesKey(QLineEdit& box, QEvent& event) {
     }
     if (key.key() != Qt::Key_Y) return false;
     event.accept();
-    if (!offered) box.redo();
+    redo = !offered;
     return true;
 }
 

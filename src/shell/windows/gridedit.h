@@ -38,7 +38,17 @@ class GridEdit : public QLineEdit {
 bool IsLeft(Qt::FocusReason reason);
 
 /// The keys of a text box that desktops differ in: Ctrl+Y does again what the box has undone, Ctrl+U is left
-/// to Update and clears no line. True: `event` was one of them and is dealt with.
-bool TakesKey(QLineEdit& box, QEvent& event);
+/// to Update and clears no line. True: `event` was one of them and is dealt with, but for the `redo` that it
+/// asks for.
+bool TakesKey(QEvent& event, bool& redo);
+
+/// The same for a box that has a `redo` of its own.
+template <class Box>
+bool TakesKey(Box& box, QEvent& event) {
+    bool redo = false;
+    const bool taken = TakesKey(event, redo);
+    if (redo) box.redo();
+    return taken;
+}
 
 }  // namespace zandrel

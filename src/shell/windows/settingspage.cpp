@@ -10,7 +10,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QStyle>
 #include <QToolButton>
@@ -18,9 +17,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "files/journal.h"
+#include "image/image.h"
 #include "shell/windows/commands.h"
 #include "shell/windows/frameflow.h"
 #include "shell/windows/gridedit.h"
+#include "shell/windows/notesedit.h"
 #include "shell/windows/shown.h"
 #include "tuning/binding.h"
 #include "tuning/display.h"
@@ -59,6 +61,11 @@ QLineEdit* NumberField(const std::string& tag, QWidget* parent) {
     edit->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     edit->setMaximumWidth(edit->minimumWidth());
     return edit;
+}
+
+// Notes are journalled while they are typed; not if they were saved in the meantime.
+void KeepNotes() {
+    if (DataChanged) WriteJournal();
 }
 
 QLabel* PlainLabel(QWidget* parent) {
@@ -299,9 +306,8 @@ QWidget* SettingsPage::BuildMember(int frame, const LayoutCell& cell, QWidget* p
             return BindSingle(Kind::Entry, entry, "Text1", Text1);
         }
         case 'n': {
-            auto* notes = new QPlainTextEdit(parent);
-            notes->setReadOnly(!HasHandler("txtNotes"));
-            notes->setTabChangesFocus(true);
+            auto* notes =
+                new NotesEdit([this](const std::string& text) { EditNotes(text); }, KeepNotes, parent);
             notes->setMinimumSize(notes->fontMetrics().averageCharWidth() * 36, GapOf(notes, 6));
             notes->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
             notes->setMaximumHeight(notes->minimumHeight());
@@ -373,6 +379,9 @@ void SettingsPage::MirrorControl(Bound& bound) {
         const bool locked = record.Locked || !SettingsTakeFocus();
         if (edit->isReadOnly() != locked) edit->setReadOnly(locked);
     }
+    if (bound.What == Kind::Notes) {
+        static_cast<NotesEdit*>(bound.Widget)->Lock(record.Locked || !SettingsTakeFocus());
+    }
 }
 
 void SettingsPage::ShowText(const Bound& bound) {
@@ -382,7 +391,7 @@ void SettingsPage::ShowText(const Bound& bound) {
             static_cast<QLineEdit*>(bound.Widget)->setText(Shown(bound.Text));
             break;
         case Kind::Notes:
-            static_cast<QPlainTextEdit*>(bound.Widget)->setPlainText(Shown(bound.Text));
+            static_cast<NotesEdit*>(bound.Widget)->ShowNotes(bound.Text);
             break;
         case Kind::Check:
         case Kind::Option:
@@ -399,6 +408,15 @@ void SettingsPage::ShowText(const Bound& bound) {
     }
 }
 
+// Each letter counts at once: notes have no end that could be missed.
+void SettingsPage::EditNotes(const std::string& notes) {
+    for (Bound& bound : bounds_) {
+        if (bound.What == Kind::Notes) bound.Text = notes;
+    }
+    txtNotes.Text = notes;
+    window_.Run([] { CommandOf("txtNotes").Click(-1); });
+}
+
 // The box or option that stands beside the text of a block is called by it.
 void SettingsPage::NameFlagOrOption(const Bound& bound) {
     for (const char* array : {"chkSetting", "optSetting"}) {
@@ -411,6 +429,9 @@ void SettingsPage::NameFlagOrOption(const Bound& bound) {
 QString SettingsPage::ToolTipOf(const Bound& bound) {
     const Control& record = bound.Record();
     if (!record.ToolTip.empty()) return Shown(record.ToolTip);
+    if (bound.What == Kind::Notes && static_cast<NotesEdit*>(bound.Widget)->TooLong()) {
+        return QStringLiteral("These notes are too long to be edited here; they are kept as they are.");
+    }
     if (bound.What == Kind::Button || bound.What == Kind::Entry) {
         return bound.Handled ? QString() : QString::fromUtf8(CommandOf(bound.Name).Later);
     }

@@ -73,6 +73,7 @@ class SettingsPage : public QScrollArea {
     void MirrorFrame(BoundFrame& frame);
     void MirrorControl(Bound& bound);
     static void ShowText(const Bound& bound);
+    void EditNotes(const std::string& notes);
     static void NameFlagOrOption(const Bound& bound);
     static QString ToolTipOf(const Bound& bound);
 
