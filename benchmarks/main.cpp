@@ -43,6 +43,7 @@ int main(int argc, char** argv) {
     zandrel::MeasureUpdating(main);
     zandrel::MeasureDisplay(main);
     zandrel::MeasureEditing(main);
+    zandrel::MeasureFiles(main);
     zandrel::MeasureAccessors();
     return zandrel::PrintFigures() ? 0 : 1;
 }

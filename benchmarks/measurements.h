@@ -20,6 +20,9 @@ void MeasureDisplay(frmMain& main);
 /// Edits of all cells of a map by keys and menus, until the window stands painted.
 void MeasureEditing(frmMain& main);
 
+/// Data files: opening until all is shown, reading alone, saving.
+void MeasureFiles(frmMain& main);
+
 /// Single accessors: time and heap allocations a call.
 void MeasureAccessors();
 

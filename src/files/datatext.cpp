@@ -49,6 +49,18 @@ void TakeBlock(std::string_view line, DataText& data) {
     data.Present[block] = true;
 }
 
+// Most notes are plain ASCII, the same in either code.
+void AppendNote(std::string& notes, std::string_view line) {
+    std::uint8_t all = 0;
+    for (const char c : line) all |= static_cast<std::uint8_t>(c);
+    if (all < 0x80) {
+        notes += line;
+    } else {
+        notes += FromCodePage(line);
+    }
+    notes += "\r\n";
+}
+
 void AppendHex(std::string& text, std::uint8_t byte) {
     constexpr char kHex[] = "0123456789ABCDEF";
     text += kHex[byte >> 4];
@@ -70,7 +82,8 @@ void ParseDataText(std::string_view bytes, DataText& data) {
         const std::string_view line = bytes.substr(start, end - start);
         start = end + 1;
         if (line.substr(0, 2) == "TT") {
-            data.Notes += FromCodePage(line.substr(2)) + "\r\n";
+            if (data.Notes.empty()) data.Notes.reserve(bytes.size() - end + line.size());
+            AppendNote(data.Notes, line.substr(2));
         } else if (line.size() > 3) {
             TakeBlock(line, data);
         }
