@@ -6,7 +6,6 @@
 #include <QAbstractButton>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QTabBar>
 #include <QToolTip>
 #include <QtTest/QTest>
@@ -84,15 +83,6 @@ TEST_F(Commands, LockedTextBox_CanBeCopiedFromButNotTypedInto) {
     EXPECT_EQ(ToolTipOver(box), FieldToolTip(txtSetting[120].Tag).toStdString());
 }
 
-TEST_F(Commands, Notes_CanBeCopiedFromAndSayThatTheyComeLater) {
-    ShowAt(1280, 800);
-    ShowBuild("RB26DETT6.42");
-    auto* notes = Named<QPlainTextEdit>("txtNotes");
-    EXPECT_TRUE(notes->isReadOnly());
-    EXPECT_TRUE(notes->isEnabled());
-    EXPECT_EQ(ToolTipOver(notes), "Editing notes is not part of this version.");
-}
-
 TEST_F(Commands, ChecksAndOptions_AreNamed) {
     ShowAt(1280, 800);
     ShowBuild("RB26DETT6.42");
@@ -122,9 +112,26 @@ TEST_F(Commands, WhileALongOperationRuns_NothingCanBeStarted) {
     {
         const LongOperation running;
         Main.Mirror();
-        for (const char* name : {"mnuReadAll", "mnuReadMap", "mnuWriteAll", "mnuWriteMap", "mnuUpdate",
-                                 "mnuInitAllData", "mnuRead", "mnuWrite", "mnuUndo", "mnuGridInterpolate",
-                                 "mnuReCalcBase", "mnuScan", "mnuComAuto", "mnuCom(0)"}) {
+        for (const char* name : {"mnuReadAll",
+                                 "mnuReadMap",
+                                 "mnuWriteAll",
+                                 "mnuWriteMap",
+                                 "mnuUpdate",
+                                 "mnuInitAllData",
+                                 "mnuRead",
+                                 "mnuWrite",
+                                 "mnuUndo",
+                                 "mnuGridInterpolate",
+                                 "mnuReCalcBase",
+                                 "mnuOpen",
+                                 "mnuSaveAs",
+                                 "mnuDefault",
+                                 "mnuLoadDefaultAtStart",
+                                 "mnuSaveDefaultOnExit",
+                                 "mnuCheckUnsavedData",
+                                 "mnuScan",
+                                 "mnuComAuto",
+                                 "mnuCom(0)"}) {
             EXPECT_FALSE(Item(QString::fromLatin1(name))->isEnabled()) << name;
         }
         EXPECT_FALSE(Named<QAbstractButton>("cmdReadAll")->isEnabled());
@@ -162,6 +169,14 @@ TEST_F(Commands, EveryNameOfAWindow_HasARow) {
                              "lblSetting",
                              "Text1",
                              "txtNotes",
+                             "mnuOpen",
+                             "mnuOpenSnapshot",
+                             "mnuDefault",
+                             "mnuSaveAs",
+                             "mnuRecentFile",
+                             "mnuLoadDefaultAtStart",
+                             "mnuSaveDefaultOnExit",
+                             "mnuCheckUnsavedData",
                              "mnuUndo",
                              "mnuRedo",
                              "mnuRead",

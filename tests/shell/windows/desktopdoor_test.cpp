@@ -149,7 +149,11 @@ TEST_F(DesktopDoorTest, FileToSave_IsProposedAndChosen) {
     EXPECT_EQ(Desktop.ChooseFile({.Save = true, .Name = "scan x.dat"}), "");
     const std::string path = Folder + "/scan RB26DETT v6.42.dat";
     withDialog([](QFileDialog* dialog) { QMetaObject::invokeMethod(dialog, "accept"); });
-    EXPECT_EQ(Desktop.ChooseFile({.Save = true, .Name = path}), path);
+    EXPECT_EQ(Desktop.ChooseFile({.Save = true, .Folder = Folder, .Name = "scan RB26DETT v6.42.dat"}), path);
+    // What a Power-FC calls itself leads to no other folder.
+    withDialog([](QFileDialog* dialog) { QMetaObject::invokeMethod(dialog, "accept"); });
+    EXPECT_EQ(Desktop.ChooseFile({.Save = true, .Folder = Folder, .Name = "scan ../\"A\" v\\1.dat"}),
+              Folder + "/scan ..__A_ v_1.dat");
 }
 
 }  // namespace
