@@ -115,8 +115,15 @@ std::optional<bool> TruthOf(std::string text) {
     return value ? std::optional(*value != 0) : std::nullopt;
 }
 
+// Below what the widest type holds, zero and no value are both fair.
+bool IsBelowAllTypes(const std::string& text) {
+    errno = 0;
+    return std::strtold(text.c_str(), nullptr) == 0 && errno == ERANGE;
+}
+
 void CheckTypes(const std::string& key, const std::string& text) {
     if (GetSetting("Settings", key, "") != text) Surprise("another text");
+    if (IsBelowAllTypes(text)) return;
     if (GetSingle(key, 0) != SingleNumber(text)) Surprise("another single");
     if (GetInteger(key, 0) != WholeNumber<std::int16_t>(text)) Surprise("another integer");
     if (GetLong(key, 0) != WholeNumber<std::int32_t>(text)) Surprise("another long");
