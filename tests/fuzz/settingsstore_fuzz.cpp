@@ -205,6 +205,8 @@ void CheckFile(const std::string& bytes, const std::string& value) {
         Surprise("a key that nobody has written has changed");
     CheckWrittenNumbers("MainTab");
     FlushSettingsStore();
+    // The writes that wait for the event loop pile up otherwise.
+    QCoreApplication::sendPostedEvents();
 }
 
 }  // namespace
