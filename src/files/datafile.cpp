@@ -135,14 +135,14 @@ void TakeIn(DataText data) {
 }
 
 // False: the user was told why not.
-bool AcceptImage(const std::string& title) {
+bool AcceptImage(const std::string& title, bool mayLack) {
     if (!ValidVersion(false, true)) {
         MessageBox(title + "[" + ReadVerName() + " v" + ReadVerNumber() +
                        "] is not recognised, or the Power-FC is not supported by this version",
                    Box::Critical);
         return false;
     }
-    if (!CheckBlocks()) return false;
+    if (!mayLack && !CheckBlocks()) return false;
     EnableIfComplete(kIgnVsTpsFrame, kIgnVsTps);
     EnableIfComplete(kBoostVsIgnFrame, kBoostVsIgn);
     PutInForce();
@@ -196,10 +196,10 @@ void Restore(Before& before) {
 }
 
 // False: the image is as it was, the user was told why.
-bool Replace(DataText data, const std::string& title) {
+bool Replace(DataText data, const std::string& title, bool mayLack) {
     Before before;
     TakeIn(std::move(data));
-    if (AcceptImage(title)) return true;
+    if (AcceptImage(title, mayLack)) return true;
     Restore(before);
     return false;
 }
@@ -231,7 +231,6 @@ void LoadFilesDesign() {
     mnuSaveAs_Click = SaveAs;
     EndJournal();
     AfterGesture = WriteJournal;
-    UnsavedDataGivenUp = RestartJournal;
     BeforeUnsavedIsReplaced = BeforeWriteAll = [] { KeepSnapshot(); };
     AfterReadAll = [] {
         RestartJournal();
@@ -269,7 +268,7 @@ void OpenFile(std::string& path, bool validate) {
         DataText data;
         ParseDataText(bytes, data);
         if (validate) {
-            if (Replace(std::move(data), title)) RestartJournal();
+            if (Replace(std::move(data), title, false)) RestartJournal();
         } else {
             TakeIn(std::move(data));
             RestartJournal();
@@ -286,7 +285,7 @@ void OpenFile(std::string& path, bool validate) {
 bool TakeInImage(DataText data, const std::string& title) {
     const LongOperation running;
     BusyPointer(true);
-    const bool accepted = Replace(std::move(data), title);
+    const bool accepted = Replace(std::move(data), title, true);
     BusyPointer(false);
     return accepted;
 }
@@ -319,6 +318,8 @@ void mnuRecentFile_Click(int index) {
 
 void SaveAs() {
     FileChoice choice = DataFileChoice(true);
+    // Snapshots are removed when they are old; what is saved on purpose stays.
+    if (IsSnapshotFolder(choice.Folder)) choice.Folder = ProgramFolder + "/Maps/";
     const auto dash = MainFormState.Caption.find(" - ");
     if (dash != std::string::npos) choice.Name = MainFormState.Caption.substr(dash + 3);
     const std::string path = Desktop.ChooseFile(choice);

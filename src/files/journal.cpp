@@ -33,8 +33,8 @@ namespace {
 // from 0), 1 byte is replaced by these. "TT" are the notes in UTF-8. All numbers are hexadecimal.
 
 constexpr int kMostPrograms = 9;
-constexpr std::size_t kLargestJournal = 64U << 20;
-constexpr std::size_t kMostLines = 1U << 20;  // bytes; then a new base is written
+constexpr std::size_t kLargestJournal = 128U << 20;  // notes of the largest file take six times their bytes
+constexpr std::size_t kMostLines = 1U << 20;         // bytes; then a new base is written
 constexpr std::size_t kSumDigits = 16;
 constexpr std::string_view kLineEnd = "\r\n";
 
@@ -272,23 +272,27 @@ void RemoveOwn() {
     }
 }
 
+// Nothing offers it any more, but whoever needs it finds it.
+void SetAside() {
+    const std::string aside = ProgramFolder + "/Unsaved " + SnapshotTime() + ".unread";
+    DebugLog("Unsaved changes could not be read: " + aside);
+    QFile::remove(Q(aside));
+    QFile::rename(Q(Own.Path), Q(aside));
+}
+
 }  // namespace
 
-bool OfferRecovery() {
-    bool recovered = false;
-    if (JournalWaits()) {
-        const std::string time =
-            QFileInfo(Q(Own.Path)).lastModified().toString("yyyy-MM-dd HH:mm:ss").toStdString();
-        if (MessageBox("Zandrel did not end properly. Your unsaved changes of " + time +
-                           " can be recovered.\nDo you want to recover them?",
-                       Box::YesNo) == Answer::Yes) {
-            recovered = RecoverJournal();
-        } else {
-            DropJournal();
-        }
+bool AskRecovery() {
+    if (!JournalWaits()) return false;
+    const std::string time =
+        QFileInfo(Q(Own.Path)).lastModified().toString("yyyy-MM-dd HH:mm:ss").toStdString();
+    if (MessageBox("Zandrel did not end properly. Your unsaved changes of " + time +
+                       " can be recovered.\nDo you want to recover them?",
+                   Box::YesNo) == Answer::Yes) {
+        return true;
     }
-    BeginJournal();
-    return recovered;
+    DropJournal();
+    return false;
 }
 
 void BeginJournal() {
@@ -305,7 +309,7 @@ void WriteJournal() {
         return;
     }
     const bool whole = !Lines.isOpen() || LineBytes > kMostLines;
-    if (whole ? WriteBase() : WriteLine()) {
+    if ((!whole && WriteLine()) || WriteBase()) {
         Failing = false;
     } else {
         Fail();
@@ -341,8 +345,7 @@ bool JournalWaits() {
             return true;
         }
         // Or the other program has just ended well.
-        if (QFile::exists(Q(Own.Path))) DebugLog("Unsaved changes could not be read: " + Own.Path);
-        RemoveOwn();
+        if (QFile::exists(Q(Own.Path))) SetAside();
         LetGo();
     }
     return false;

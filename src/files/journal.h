@@ -6,9 +6,9 @@
 
 namespace zandrel {
 
-/// Asks whether the edits of a run that crashed are to be recovered, if there are any, and begins the journal
-/// of this run. True: they stand in the image. No other file is to be opened then.
-bool OfferRecovery();
+/// Asks whether the edits of a run that crashed are to be recovered, if there are any, and gives them up if
+/// not. True: `RecoverJournal` is to follow, once the start has come so far.
+bool AskRecovery();
 
 /// From here on edits are journalled.
 void BeginJournal();

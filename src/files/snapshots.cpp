@@ -121,11 +121,12 @@ void RemoveOld(const std::string& written) {
     }
 }
 
-void Keep(const std::array<ByteString, 256>& blocks, const std::string& notes, const std::string& time) {
+void Keep(const std::array<ByteString, 256>& blocks, const std::string& notes, const std::string& time,
+          bool unnamed) {
     const std::string build = BuildName(blocks);
-    if (build.empty()) return;
+    if (build.empty() && !unnamed) return;
     QDir().mkpath(QString::fromStdString(Folder()));
-    const std::string title = FreeTitle(build + " " + time);
+    const std::string title = FreeTitle((build.empty() ? "Unknown" : build) + " " + time);
     if (!WriteWholeFile(Folder() + "/" + title, FormatDataText(blocks, notes))) {
         DebugLog("Could not keep snapshot " + title);
         return;
@@ -140,11 +141,11 @@ std::string SnapshotTime() {
 }
 
 void KeepSnapshot(const std::string& time) {
-    Keep(ReadData, txtNotes.Text, time);
+    Keep(ReadData, txtNotes.Text, time, false);
 }
 
 void KeepSnapshotOf(const DataText& data, const std::string& time) {
-    Keep(data.Blocks, data.Notes, time);
+    Keep(data.Blocks, data.Notes, time, true);
 }
 
 std::vector<Snapshot> ListSnapshots() {
@@ -156,6 +157,13 @@ std::vector<Snapshot> ListSnapshots() {
         Listed.push_back({Folder() + "/" + named.Title, std::move(caption)});
     }
     return Listed;
+}
+
+bool IsSnapshotFolder(const std::string& folder) {
+    const auto clean = [](const std::string& path) {
+        return QDir(QString::fromStdString(path)).absolutePath();
+    };
+    return clean(folder) == clean(Folder());
 }
 
 void OpenSnapshot(int index) {

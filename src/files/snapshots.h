@@ -30,4 +30,7 @@ std::vector<Snapshot> ListSnapshots();
 /// Opens the one at `index` (from 0) of the list as it was made last.
 void OpenSnapshot(int index);
 
+/// True if `folder` is the one of the snapshots.
+bool IsSnapshotFolder(const std::string& folder);
+
 }  // namespace zandrel

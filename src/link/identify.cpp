@@ -123,6 +123,9 @@ bool ReadCorvaneVer() {
     return true;
 }
 
+// What the Power-FC, or the image without one, was called when the version was looked at last.
+std::string NamedEngine, NamedNumber;
+
 // Fetches the blocks that name the build. The older families keep them in 0x6B and 0x6C.
 bool ReadVersionBlocks() {
     if (ReadBlock(0xF3, 8, false)) return ReadBlock(0xF5, 5, true);
@@ -146,6 +149,19 @@ void ScanUnknownVersion(const std::string& engine, const std::string& version) {
     SetCaption("scan " + engine + " v" + version + ".dat");
     if (mnuSaveAs_Click) mnuSaveAs_Click();
 }
+
+// The blocks that name the build, as the image held them before a Power-FC was asked.
+class IdentityBefore {
+  public:
+    // The image stays one of the build that it is of.
+    void PutBack() const {
+        for (std::size_t i = 0; i < Blocks.size(); ++i) ReadData[kIdentity[i]] = Blocks[i];
+    }
+
+  private:
+    static constexpr std::array<std::size_t, 4> kIdentity = {0xF3, 0xF5, 0x6B, 0x6C};
+    std::array<ByteString, 4> Blocks = {ReadData[0xF3], ReadData[0xF5], ReadData[0x6B], ReadData[0x6C]};
+};
 
 bool FailValidVersion(bool reached) {
     ErrorLog("ValidVersion");
@@ -195,19 +211,23 @@ std::string ReadVerNumber() {
 }
 
 bool ImageIsInForce() {
-    return !VerName.empty() && ReadVerName() == VerName && ReadVerNumber() == VerNumber;
+    return !VerName.empty() && NamedEngine == VerName && NamedNumber == VerNumber;
 }
 
 bool ValidVersion(bool read, bool initialise) {
     ClearError();
     bool result = false;
+    const IdentityBefore before;
     if (read) {
         if (!ComCheck(true)) return FailValidVersion(result);
         if (CheckCorvaneVer && !ReadCorvaneVer()) return FailValidVersion(result);
-        if (!ReadVersionBlocks()) return FailValidVersion(result);
+        if (!ReadVersionBlocks()) {
+            before.PutBack();
+            return FailValidVersion(result);
+        }
     }
-    const std::string engine = ReadVerName();
-    const std::string version = ReadVerNumber();
+    const std::string engine = NamedEngine = ReadVerName();
+    const std::string version = NamedNumber = ReadVerNumber();
     // While no version is in force, empty names are a change like any other.
     if (!VerName.empty() && engine == VerName && version == VerNumber) {
         result = true;
@@ -234,6 +254,8 @@ bool ValidVersion(bool read, bool initialise) {
             }
         } else {
             result = IsKnownVersion(engine, version);
+            // The image would be saved under the name of a build that it is not of.
+            if (read && result) before.PutBack();
         }
         if (read && !result) ScanUnknownVersion(engine, version);
     }

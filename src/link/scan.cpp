@@ -22,9 +22,9 @@ void mnuScan_Click() {
 
 void mnuScan_Code() {
     BusyPointer(true);
+    if (DataChanged) BeforeUnsavedIsReplaced();
     ReadData.fill({});
     BlockInForce.fill(false);
-    MapCellChanged = {};
     ClearHistory();
     cmdWriteAll.Enabled = false;
     bool complete = true;
@@ -44,6 +44,7 @@ void mnuScan_Code() {
     }
     if (complete) {
         BlockChanged.fill(false);
+        MapCellChanged = {};
         cmdUpdate.Enabled = false;
     }
     HideProgress(ProgressScan);

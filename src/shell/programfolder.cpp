@@ -15,7 +15,10 @@ bool TakesFiles(const std::string& folder) {
 
 std::string ChooseProgramFolder(const std::string& home, const std::string& executableFolder,
                                 const std::string& userFolder) {
-    if (!home.empty()) return home;
+    if (!home.empty()) {
+        QDir().mkpath(QString::fromStdString(home));
+        return home;
+    }
     if (TakesFiles(executableFolder)) return executableFolder;
     QDir().mkpath(QString::fromStdString(userFolder));
     return userFolder;
@@ -23,6 +26,10 @@ std::string ChooseProgramFolder(const std::string& home, const std::string& exec
 
 std::string CommandLinePath(const std::string& words) {
     QString path = QString::fromStdString(words);
+    // A file may be called so, quotes and all.
+    if (const QFileInfo named(path); named.isRelative() && named.isFile()) {
+        return named.absoluteFilePath().toStdString();
+    }
     const QLatin1Char quote('"');
     if (path.size() >= 2 && path.startsWith(quote) && path.endsWith(quote))
         path = path.mid(1, path.size() - 2);

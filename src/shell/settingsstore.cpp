@@ -158,7 +158,9 @@ void FlushSettingsStore() {
 }
 
 void KeepUnreadStore() {
+    // An earlier one is nearer to what the user had: the stop has written defaults since.
     const std::string copy = Opened.Path + ".unread";
+    if (QFileInfo::exists(QString::fromStdString(copy))) return;
     std::string bytes;
     if (!ReadStore(bytes) || bytes.empty() || !WriteWholeFile(copy, bytes)) return;
     DebugLog("The settings could not be taken in; they are kept as " + copy);

@@ -49,6 +49,15 @@ bool RestoreWindow() {
     return restored;
 }
 
+// What is outside of all that makes sense counts as not there.
+std::int32_t OrDefault(std::int32_t value, std::int32_t least, std::int32_t most, std::int32_t fallback) {
+    return value >= least && value <= most ? value : fallback;
+}
+
+// A silent line has to end some time.
+constexpr std::int32_t kLongestWait = 60'000;  // milliseconds
+constexpr std::int32_t kMostRetries = 100;
+
 bool RestorePort() {
     std::int32_t port = 0;
     if (!Take(GetLong("ComPort", 0), port)) return false;
@@ -58,8 +67,10 @@ bool RestorePort() {
 
 bool RestoreLinkSettings() {
     if (!Take(GetLong("ComTimeOutTicks", kDefaultComTimeOutTicks), ComTimeOutTicks)) return false;
+    ComTimeOutTicks = OrDefault(ComTimeOutTicks, 1, kLongestWait, kDefaultComTimeOutTicks);
     txtComTimeOut = std::to_string(ComTimeOutTicks);
     if (!Take(GetLong("ComRetries", kDefaultComRetries), ComRetries)) return false;
+    ComRetries = OrDefault(ComRetries, 0, kMostRetries, kDefaultComRetries);
     txtComRetries = std::to_string(ComRetries);
     return true;
 }
@@ -77,12 +88,12 @@ bool RestoreTicks() {
            Take(GetBoolean("ExitCheckUnsavedData", true), mnuCheckUnsavedData.Checked);
 }
 
-// What the user asked for, and otherwise the default file.
-void OpenFirstFile(const std::string& commandLine) {
+// What the user asked for, and otherwise the default file, but not over what was recovered.
+void OpenFirstFile(const std::string& commandLine, bool recovered) {
     if (!commandLine.empty()) {
         std::string path = commandLine;
         OpenFile(path, true);
-    } else if (mnuLoadDefaultAtStart.Checked) {
+    } else if (mnuLoadDefaultAtStart.Checked && !recovered) {
         mnuDefault_Click();
     }
 }
@@ -113,18 +124,21 @@ bool RestoreMapDisplay() {
     std::int16_t colours = 0;
     std::int32_t base = 0;
     if (!Take(GetLong("InjMapType", 0), injection)) return false;
-    mnuInjMapDisplay_Click(injection);
+    mnuInjMapDisplay_Click(OrDefault(injection, 0, 2, 0));
     if (!Take(GetInteger("MapColourScheme", 1), colours)) return false;
-    mnuSetupMapColourScheme_Click(colours);
+    mnuSetupMapColourScheme_Click(OrDefault(colours, 0, 1, 1));
     if (!Take(GetLong("BaseMapType", 0), base)) return false;
-    mnuBaseMapDisplay_Click(base);
+    mnuBaseMapDisplay_Click(OrDefault(base, 0, 3, 0));
     return true;
 }
+
+bool RecoveryWanted = false;
 
 // The start order up to the first file. False: a step failed and the rest is skipped.
 bool BeginStart() {
     GetRecentFiles();
     DebugLogInit();
+    RecoveryWanted = AskRecovery();
     MainFormReady = true;
     CorvaneVer = GetSetting("Settings", "LastCorvaneVer", "V2.0");
     SetAuxChannelCount();
@@ -183,8 +197,9 @@ void LoadDesign() {
 void frmMain_Load(const std::string& commandLine) {
     const bool begun = BeginStart();
     // Also where the start has failed: what a crash has left waits for nothing. Nothing is opened over it.
-    const bool recovered = OfferRecovery();
-    if (begun && !recovered) OpenFirstFile(commandLine);
+    const bool recovered = RecoveryWanted && RecoverJournal();
+    BeginJournal();
+    if (begun) OpenFirstFile(commandLine, recovered);
     if (begun && EndStart()) return;
     KeepUnreadStore();
     MessageBox("Error in frmMain_Load", Box::Critical);
@@ -203,7 +218,8 @@ void frmMain_Unload() {
     SaveWindow();
     SaveBoolean("MainMapRefLabels", mnuMapRefLabels.Checked);
     // By its name alone: it comes to stand in the current folder, while the start loads the program folder's.
-    if (mnuSaveDefaultOnExit.Checked) SaveFile("default.dat");
+    // Where no Power-FC is known there is nothing to save, and a good file to lose.
+    if (mnuSaveDefaultOnExit.Checked && !ReadVerName().empty()) SaveFile("default.dat");
     SaveBoolean("StaurtupLoadDefault", mnuLoadDefaultAtStart.Checked);
     SaveBoolean("ExitSaveDefault", mnuSaveDefaultOnExit.Checked);
     SaveBoolean("ExitCheckUnsavedData", mnuCheckUnsavedData.Checked);

@@ -23,7 +23,6 @@ void CheckUnsavedData(Answer& answer) {
         if (DataChanged) answer = Answer::Cancel;
     } else if (answer == Answer::No) {
         DataChanged = false;
-        UnsavedDataGivenUp();
     }
 }
 

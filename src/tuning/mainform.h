@@ -31,9 +31,6 @@ void CheckUnsavedData(Answer& answer);
 /// Saves the image under a name that the user chooses. Set by files/.
 inline std::function<void()> mnuSaveAs_Click;
 
-/// The user has given unsaved data up. Set by files/.
-inline std::function<void()> UnsavedDataGivenUp = [] {};
-
 /// Ends the comparison with a second file. Set by files/.
 inline std::function<void()> EndComparison = [] {};
 

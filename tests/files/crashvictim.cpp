@@ -99,7 +99,8 @@ void Edit(unsigned seed) {
     std::string path = ProgramFolder + "/base.dat";
     OpenFile(path, true);
     if (VerName.empty()) _exit(4);
-    if (OfferRecovery()) _exit(5);
+    if (AskRecovery()) _exit(5);
+    BeginJournal();
     AfterGesture = [] {
         Say('?');
         WriteJournal();
@@ -110,7 +111,9 @@ void Edit(unsigned seed) {
 
 void Recover() {
     Desktop.MessageBox = [](const std::string&, Box) { return Answer::Yes; };
-    Say(OfferRecovery() ? 'R' : 'N');
+    const bool wanted = AskRecovery();
+    Say(wanted && RecoverJournal() ? 'R' : 'N');
+    BeginJournal();
     EndJournal();
 }
 

@@ -34,6 +34,14 @@
 namespace zandrel {
 namespace {
 
+// What the start does with what a crash has left.
+bool Recovered() {
+    const bool wanted = AskRecovery();
+    const bool recovered = wanted && RecoverJournal();
+    BeginJournal();
+    return recovered;
+}
+
 constexpr char kUnsaved[] = "You have made setting changes that have not been saved.\nDo you want to save?";
 
 class Journal : public FilesFixture {
@@ -282,7 +290,7 @@ TEST_F(Journal, ByteThatIsWrong_EndsWhatIsRecoveredThere) {
     }
 }
 
-TEST_F(Journal, ThatCannotBeRead_IsDroppedWithALineInTheLogAndNoQuestion) {
+TEST_F(Journal, ThatCannotBeRead_IsSetAsideWithALineInTheLogAndNoQuestion) {
     Edit();
     const std::string good = Bytes();
     const std::string base = good.substr(0, good.find("\r\n+") + 2);
@@ -294,8 +302,11 @@ TEST_F(Journal, ThatCannotBeRead_IsDroppedWithALineInTheLogAndNoQuestion) {
           good.substr(0, good.size() - 1), std::string("+"), std::string("+*\r\n"), std::string("\r\n+"),
           std::string(1 << 20, '+'), std::string(1 << 20, '\n')}) {
         Restart(bad);
-        EXPECT_FALSE(OfferRecovery()) << bad.substr(0, 40);
-        EXPECT_EQ(LogLines(), std::vector<std::string>{"Unsaved changes could not be read: " + Path()});
+        EXPECT_FALSE(Recovered()) << bad.substr(0, 40);
+        const std::string said = "Unsaved changes could not be read: ";
+        ASSERT_EQ(LogLines().size(), 1U);
+        ASSERT_EQ(LogLines()[0].substr(0, said.size()), said);
+        EXPECT_EQ(FileBytes(LogLines()[0].substr(said.size())), bad);
         EXPECT_FALSE(Stands());
         EXPECT_FALSE(DataChanged);
         EndJournal();
@@ -318,7 +329,7 @@ TEST_F(Journal, OfABuildThatIsNotKnown_IsToldAndKeptAsASnapshot) {
     ExpectBox(
         "Recovered Data[NONESUCH v6.42] is not recognised, or the Power-FC is not supported by this version",
         Box::Critical);
-    EXPECT_FALSE(OfferRecovery());
+    EXPECT_FALSE(Recovered());
     EXPECT_EQ(Differences(before, Now()), "");
     EXPECT_FALSE(Stands());
     ASSERT_EQ(ListSnapshots().size(), 1U);
@@ -349,7 +360,7 @@ class JournalOffer : public Journal {
 
 TEST_F(JournalOffer, Yes_Recovers) {
     Expect(Answer::Yes);
-    EXPECT_TRUE(OfferRecovery());
+    EXPECT_TRUE(Recovered());
     EXPECT_EQ(ReadData, image_);
     EXPECT_TRUE(DataChanged);
     EXPECT_TRUE(Stands()) << "unsaved work is safe until it is saved";
@@ -359,19 +370,19 @@ TEST_F(JournalOffer, Yes_Recovers) {
 TEST_F(JournalOffer, No_LeavesTheImageAloneAndKeepsASnapshot) {
     Expect(Answer::No);
     const Everything before = Now();
-    EXPECT_FALSE(OfferRecovery());
+    EXPECT_FALSE(Recovered());
     EXPECT_EQ(Differences(before, Now()), "");
     EXPECT_EQ(Left(), "Unsaved.lock");
     ASSERT_EQ(ListSnapshots().size(), 1U);
     EndJournal();
     EXPECT_EQ(Left(), "");
     EXPECT_FALSE(JournalWaits());
-    EXPECT_FALSE(OfferRecovery());
+    EXPECT_FALSE(Recovered());
 }
 
 TEST_F(JournalOffer, AfterYes_ASecondCrashGivesTheSameWithoutAnEdit) {
     Expect(Answer::Yes);
-    ASSERT_TRUE(OfferRecovery());
+    ASSERT_TRUE(Recovered());
     Crash();
     ASSERT_TRUE(JournalWaits());
     ASSERT_TRUE(RecoverJournal());
@@ -380,7 +391,7 @@ TEST_F(JournalOffer, AfterYes_ASecondCrashGivesTheSameWithoutAnEdit) {
 
 TEST_F(JournalOffer, AfterYes_EditsGoOnInTheSameJournal) {
     Expect(Answer::Yes);
-    ASSERT_TRUE(OfferRecovery());
+    ASSERT_TRUE(Recovered());
     Edit(99);
     EXPECT_EQ(Left(), "Unsaved.journal Unsaved.lock");
     Crash();
@@ -390,14 +401,14 @@ TEST_F(JournalOffer, AfterYes_EditsGoOnInTheSameJournal) {
 
 TEST_F(JournalOffer, AfterYes_SavingEndsIt) {
     Expect(Answer::Yes);
-    ASSERT_TRUE(OfferRecovery());
+    ASSERT_TRUE(Recovered());
     SaveFile(Folder + "/saved.dat");
     EXPECT_FALSE(Stands());
 }
 
 TEST_F(JournalOffer, AfterNo_EditsBeginAJournalAnew) {
     Expect(Answer::No);
-    ASSERT_FALSE(OfferRecovery());
+    ASSERT_FALSE(Recovered());
     Open(Folder + "/base.dat");
     Edit(42);
     Crash();
@@ -420,7 +431,7 @@ TEST_F(JournalOffer, NeverMade_LeavesWhatWaits) {
 TEST_F(JournalOffer, DiskIsFull_RecoversAllTheSame) {
     Expect(Answer::Yes);
     Flush = [](int) { return false; };
-    EXPECT_TRUE(OfferRecovery());
+    EXPECT_TRUE(Recovered());
     EXPECT_EQ(ReadData, image_);
     EXPECT_TRUE(Stands());
     EXPECT_EQ(LogLines().back(), "Could not journal unsaved changes");
@@ -515,7 +526,7 @@ TEST_F(Journal, OfAProgramThatRuns_IsNeitherOfferedNorTouched) {
     Crash();
     auto other = ProcessLock::Take(Folder + "/Unsaved.lock");
     ASSERT_TRUE(other);
-    EXPECT_FALSE(OfferRecovery());
+    EXPECT_FALSE(Recovered());
     Open(Folder + "/base.dat");
     Edit(9);
     EXPECT_EQ(Left(), "Unsaved 2.journal Unsaved 2.lock Unsaved.journal Unsaved.lock");

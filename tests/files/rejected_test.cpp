@@ -121,7 +121,7 @@ TEST_F(RejectedFile, MissingBlockOfAnotherBuild_TheOldBuildIsBack) {
     ExpectListed(path);
     EXPECT_EQ(versions, "B16A1 RB26DETT ");
     EXPECT_EQ(LastUpdate, "14:03:22");
-    EXPECT_TRUE(ImageIsInForce());
+    EXPECT_EQ(ReadVerName(), VerName);
     EXPECT_EQ(MainFormState.Caption, "Zandrel [RB26DETT v6.42] - work.dat");
     EXPECT_FALSE(cmdUpdate.Enabled);
     EXPECT_FALSE(cmdWriteAll.Enabled);

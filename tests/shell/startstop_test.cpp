@@ -540,12 +540,14 @@ TEST_P(AfterCrash, UnsavedEdits_AreOfferedBeforeAnyFile) {
     std::vector<std::string> boxes;
     Desktop.MessageBox = [&boxes](const std::string& text, Box box) {
         boxes.push_back(text);
-        return box == Box::YesNo ? Answer::Yes : Answer::Ok;
+        return box == Box::YesNo ? Answer::Yes : box == Box::SaveQuestion ? Answer::Cancel : Answer::Ok;
     };
     DataChanged = false;
     StartAnew(path);
-    ASSERT_EQ(boxes.size(), GetParam() ? 1U : 2U);
+    ASSERT_EQ(boxes.size(), 2U);
     EXPECT_EQ(boxes[0].find("Zandrel did not end properly."), 0U) << boxes[0];
+    // The file that was asked for is not opened over them without a question.
+    EXPECT_EQ(boxes[1].find(GetParam() ? "You have made setting changes" : "Error in frmMain_Load"), 0U);
     EXPECT_TRUE(DataChanged);
     EXPECT_EQ(GetCell(0, 1, 1, false), before + 1);
     EXPECT_EQ(VerName, "RB26DETT");
