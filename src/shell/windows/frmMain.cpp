@@ -228,7 +228,7 @@ void frmMain::Run(const std::function<void()>& action) {
 void frmMain::CommitOpenBox() {
     if (txtGrid.Visible) Run(txtGrid_LostFocus);
     for (SettingsPage* page : settingsPages_) {
-        if (page != nullptr) page->CommitFocused();
+        if (page != nullptr) page->CommitEdited();
     }
 }
 
