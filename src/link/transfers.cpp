@@ -538,7 +538,11 @@ void cmdUpdate_Click() {
 }
 
 void optAutoUpdate_Click() {
-    if (optAutoUpdate.Value != 0) UpdateEnable();
+    if (optAutoUpdate.Value != 0) {
+        UpdateEnable();
+    } else {
+        StopTimer(Timer::Update);
+    }
 }
 
 void TimerUpdate_Timer() {

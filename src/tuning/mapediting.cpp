@@ -173,8 +173,14 @@ void CommitTexts(int map, const CellTable<std::string>& before) {
     });
 }
 
+// The texts of a map as it is now; what was displayed may be older.
+CellTable<std::string> ShownNow(int map) {
+    DisplayMap(map, false);
+    return Grid[At(map)].TextMatrix;
+}
+
 void PasteSelection(int map) {
-    const auto before = Grid[At(map)].TextMatrix;
+    const auto before = ShownNow(map);
     SetGridClip(map, Desktop.GetClipboard());
     const Gesture gesture("Paste", KeyRepeats);
     CommitTexts(map, before);
@@ -439,7 +445,7 @@ void mnuGridInterpolate_Click() {
     const auto tl = corner(area.Top, area.Left), tr = corner(area.Top, area.Right);
     const auto bl = corner(area.Bottom, area.Left), br = corner(area.Bottom, area.Right);
     if (!tl || !tr || !bl || !br) return;
-    const auto before = Grid[At(PopupGrid)].TextMatrix;
+    const auto before = ShownNow(PopupGrid);
     const auto between = [](int i, int first, int last, double a, double b) {
         return first == last ? a : static_cast<double>(i - first) / (last - first) * (b - a) + a;
     };

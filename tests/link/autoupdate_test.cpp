@@ -115,6 +115,18 @@ TEST_F(AutoUpdate, TickRemoved_StartsNothing) {
     EXPECT_EQ(TimerStarts(Timer::Update), 0);
 }
 
+// An edit that was made while the box was ticked went out half a second after the tick had been removed.
+TEST_F(AutoUpdate, TickRemovedBeforeTheTimer_SendsNothing) {
+    Begin();
+    Bump(0x8D);
+    ASSERT_TRUE(TimerRuns(Timer::Update));
+    optAutoUpdate.Value = 0;
+    optAutoUpdate_Click();
+    EXPECT_FALSE(TimerRuns(Timer::Update));
+    EXPECT_TRUE(BlockChanged[0x8D]);
+    EXPECT_TRUE(cmdUpdate.Enabled);
+}
+
 TEST_F(AutoUpdate, UpdatePressedBeforeTheTimer_StopsIt) {
     Begin();
     Bump(0x8D);

@@ -194,19 +194,6 @@ TEST_F(FrameTransfers, WriteOnTheOldestFamily_ByItsCommands) {
                                                 Packet(0x34, ReadData[0x5B]), Packet(0x5B)}));
 }
 
-struct FaultCase {
-    const char* Name;
-    std::function<void(powerfc::Simulator& device, int code, int n)> Add;
-};
-
-const FaultCase kFaults[] = {
-    {"silence", [](auto& device, int code, int n) { device.Silence(code, n); }},
-    {"bad checksum", [](auto& device, int code, int n) { device.BadChecksum(code, n); }},
-    {"wrong code", [](auto& device, int code, int n) { device.WrongCode(code, n); }},
-    {"interface error", [](auto& device, int code, int n) { device.InterfaceError(code, 2, n); }},
-    {"short frame", [](auto& device, int code, int n) { device.ShortFrame(code, n); }},
-};
-
 TEST_F(FrameTransfers, WriteThatFails_BlocksBeforeItAreOnThePowerFc) {
     for (const FaultCase& fault : kFaults) {
         SCOPED_TRACE(fault.Name);

@@ -83,6 +83,16 @@ Frames TransferFixture::Contents() const {
     return contents;
 }
 
+const std::vector<FaultCase> kFaults = {
+    {"silence", [](auto& device, int code, int n) { device.Silence(code, n); }},
+    {"bad checksum", [](auto& device, int code, int n) { device.BadChecksum(code, n); }},
+    {"wrong code", [](auto& device, int code, int n) { device.WrongCode(code, n); }},
+    {"interface error", [](auto& device, int code, int n) { device.InterfaceError(code, 2, n); }},
+    {"short frame", [](auto& device, int code, int n) { device.ShortFrame(code, n); }},
+    {"acknowledged only", [](auto& device, int code, int n) { device.AcknowledgeThenSilence(code, n); }},
+    {"lost byte", [](auto& device, int code, int n) { device.DropByte(code, 1, n); }},
+};
+
 std::string Packet(int code, const std::string& data) {
     return powerfc::ToHex(
         powerfc::Frame(static_cast<std::uint8_t>(code), powerfc::Bytes(data.begin(), data.end())));

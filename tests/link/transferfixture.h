@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,13 @@ class TransferFixture : public LinkFixture {
     /// All blocks of the Power-FC, in the order of their codes.
     Frames Contents() const;
 };
+
+/// A way in which an answer goes wrong: meets the next `n` requests of `code`.
+struct FaultCase {
+    const char* Name;
+    std::function<void(powerfc::Simulator& device, int code, int n)> Add;
+};
+extern const std::vector<FaultCase> kFaults;
 
 /// A frame by its code and data, in digits. Put together by the simulator's own routine.
 std::string Packet(int code, const std::string& data = {});

@@ -439,21 +439,6 @@ TEST_F(Update, CellsAddedWhileItRuns_BarStaysWithinItsRange) {
 
 // --- Faults -------------------------------------------------------------------------------------------
 
-struct FaultCase {
-    const char* Name;
-    std::function<void(powerfc::Simulator& device, int code, int n)> Add;
-};
-
-const FaultCase kFaults[] = {
-    {"silence", [](auto& device, int code, int n) { device.Silence(code, n); }},
-    {"bad checksum", [](auto& device, int code, int n) { device.BadChecksum(code, n); }},
-    {"wrong code", [](auto& device, int code, int n) { device.WrongCode(code, n); }},
-    {"interface error", [](auto& device, int code, int n) { device.InterfaceError(code, 2, n); }},
-    {"short frame", [](auto& device, int code, int n) { device.ShortFrame(code, n); }},
-    {"acknowledged only", [](auto& device, int code, int n) { device.AcknowledgeThenSilence(code, n); }},
-    {"lost byte", [](auto& device, int code, int n) { device.DropByte(code, 1, n); }},
-};
-
 TEST_F(Update, SettingThatFailsOnce_IsSentAgainAndDone) {
     ReadAllOf(kPlain);
     Impatient();

@@ -246,19 +246,6 @@ TEST_F(MapWriting, MainWindowCloses_EndsAfterTheCell) {
 
 // --- Faults -------------------------------------------------------------------------------------------
 
-struct FaultCase {
-    const char* Name;
-    std::function<void(powerfc::Simulator& device, int code, int n)> Add;
-};
-
-const FaultCase kFaults[] = {
-    {"silence", [](auto& device, int code, int n) { device.Silence(code, n); }},
-    {"bad checksum", [](auto& device, int code, int n) { device.BadChecksum(code, n); }},
-    {"wrong code", [](auto& device, int code, int n) { device.WrongCode(code, n); }},
-    {"interface error", [](auto& device, int code, int n) { device.InterfaceError(code, 3, n); }},
-    {"short frame", [](auto& device, int code, int n) { device.ShortFrame(code, n); }},
-};
-
 TEST_F(MapWriting, CellThatFails_CellsBeforeItAreOnThePowerFc) {
     struct Row {
         const char* Build;

@@ -896,6 +896,30 @@ TEST_F(MapEditing, Paste_OfEveryLineEnd) {
     }
 }
 
+// A value that a stale display happened to show was taken for no edit, and the cells beside it for edits.
+TEST_F(MapEditing, PasteOverAStaleDisplay_MeansTheRatioOfNow) {
+    Read(kPlain);
+    mnuInjMapDisplay_Click(2);
+    Select(0, 1, 1, 1, 2);
+    StoichAF = 16;  // the grid shows 14.700 still
+    ASSERT_EQ(Text(0, 1, 1), "14.700");
+    Paste(0, "14.7");
+    EXPECT_EQ(Raw(0, 1, 1), 151);  // 16 / 14.7 = 1.088
+    EXPECT_EQ(Text(0, 1, 1), "14.681");
+    EXPECT_EQ(Raw(0, 1, 2), 128);
+    EXPECT_EQ(Text(0, 1, 2), "16.000");
+}
+
+TEST_F(MapEditing, InterpolationOverAStaleDisplay_MeansTheRatioOfNow) {
+    Read(kPlain);
+    mnuInjMapDisplay_Click(2);
+    Select(0, 1, 1, 1, 3);
+    StoichAF = 16;
+    PopupGrid = 0;
+    mnuGridInterpolate_Click();
+    for (int column = 1; column <= 3; ++column) EXPECT_EQ(Raw(0, 1, column), 151) << column;
+}
+
 TEST_F(MapEditing, PasteOfMoreThanIsSelected_FillsTheSelectionAlone) {
     Read(kPlain);
     Select(0, 2, 2, 3, 3);

@@ -125,6 +125,12 @@ frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     Mirror();
 }
 
+// The box that has the focus loses it while the pages go: that is no edit, and asks a window that stands yet.
+frmMain::~frmMain() {
+    mirrors_ = true;
+    delete takeCentralWidget();
+}
+
 QWidget* frmMain::BuildButtons() {
     auto* bar = new QWidget(this);
     auto* row = new QHBoxLayout(bar);
@@ -253,7 +259,7 @@ void frmMain::CommitOpenBox() {
     QGuiApplication::inputMethod()->commit();
     if (txtGrid.Visible) Run(txtGrid_LostFocus);
     for (SettingsPage* page : settingsPages_) {
-        if (page != nullptr) page->CommitFocused();
+        if (page != nullptr) page->CommitEdited();
     }
 }
 

@@ -29,6 +29,7 @@ class frmMain : public QMainWindow {
   public:
     /// Builds the window from the records as they are; `LoadDesign` comes before it.
     explicit frmMain(QWidget* parent = nullptr);
+    ~frmMain() override;
 
     /// Brings every widget of every window in step with the records; touches only what has changed.
     void Mirror();

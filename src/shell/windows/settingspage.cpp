@@ -460,13 +460,12 @@ void SettingsPage::Leave(Bound& bound) {
     }
 }
 
-void SettingsPage::CommitFocused() {
+void SettingsPage::CommitEdited() {
     for (Bound& bound : bounds_) {
         const bool isBox = bound.What == Kind::Text || bound.What == Kind::Entry;
-        if (!isBox || !bound.Widget->hasFocus() || !static_cast<QLineEdit*>(bound.Widget)->isModified())
-            continue;
+        if (!isBox || !static_cast<QLineEdit*>(bound.Widget)->isModified()) continue;
         Leave(bound);
-        bound.Stored = true;
+        bound.Stored = bound.Widget->hasFocus();
     }
 }
 
@@ -482,6 +481,7 @@ bool SettingsPage::ControlEvent(Bound& bound, QEvent* event) {
             return true;
         }
         case QEvent::FocusIn:
+            bound.Stored = false;
             if ((isBox || clicks || bound.What == Kind::Notes) && !SettingsTakeFocus())
                 window_.LeaveControls();
             return false;

@@ -32,8 +32,9 @@ class SettingsPage : public QScrollArea {
     /// Brings the widgets in step with their records; touches only what has changed.
     void Mirror();
 
-    /// Stores what was typed into the box that has the focus, before a command works on the image.
-    void CommitFocused();
+    /// Stores what was typed and not left yet, before a command works on the image. A window in the
+    /// background has no focus to go by.
+    void CommitEdited();
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -546,6 +546,33 @@ TEST_F(SettingsEdit, ClosingTheWindow_StoresFirst) {
     EXPECT_TRUE(Main.isVisible());
 }
 
+// A window in the background has no focus; what was typed stood on the screen, but was stored nowhere.
+TEST_F(SettingsEdit, WindowInTheBackground_StoresBeforeItsTabChangesAndBeforeItCloses) {
+    TypeInto(120, "7200");
+    QWidget other;
+    other.show();
+    QApplication::setActiveWindow(&other);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    Tabs()->setCurrentIndex(7);
+    EXPECT_EQ(Word(kRevIdle, 0), 7200);
+    Tabs()->setCurrentIndex(6);
+    EXPECT_EQ(TextBox(120)->text(), "7200");
+
+    other.hide();
+    QApplication::setActiveWindow(&Main);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Main));
+    TypeInto(120, "7300");
+    QWidget third;
+    third.show();
+    QApplication::setActiveWindow(&third);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&third));
+    mnuSaveAs_Click = [] {};
+    ExpectMessage("You have made setting changes that have not been saved.\nDo you want to save?",
+                  Answer::Cancel);
+    EXPECT_FALSE(Main.close());
+    EXPECT_EQ(Word(kRevIdle, 0), 7300);
+}
+
 TEST_F(SettingsEdit, AnotherWindow_StoresNothing) {
     TypeInto(120, "7200");
     QWidget other;
