@@ -8,6 +8,7 @@
 #include "link/transfers.h"
 #include "person.h"
 #include "tuning/display.h"
+#include "tuning/mainform.h"
 #include "tuning/maps.h"
 #include "tuning/settings.h"
 #include "util/diagnostics.h"
@@ -47,8 +48,15 @@ int CountBlocksRead() {
     return blocks;
 }
 
+void ExpectToLoseChanges() {
+    if (!DataChanged || !mnuCheckUnsavedData.Checked) return;
+    Expect(QStringLiteral("You have made setting changes that have not been saved."), QStringLiteral("No"));
+}
+
 QString ReadEverything() {
+    ExpectToLoseChanges();
     Click(QStringLiteral("cmdReadAll"));
+    ComeBack();
     Require(cmdWriteAll.Enabled, QStringLiteral("Read All did not succeed"));
     Require(!VerName.empty(), QStringLiteral("no version is in force"));
     return QStringLiteral("%1 v%2, interface %3: %4 blocks")

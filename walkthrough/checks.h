@@ -19,6 +19,9 @@ void ChoosePort(int number);
 /// Every block of the build has come in its full length; how many there are.
 int CountBlocksRead();
 
+/// What is unsaved will be asked about, and given up.
+void ExpectToLoseChanges();
+
 /// Clicks Read All; it has to succeed.
 QString ReadEverything();
 

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <iterator>
 
+#include "files.h"
 #include "openedfile.h"
 #include "person.h"
 #include "shell/settingsstore.h"
@@ -80,13 +81,14 @@ void ForgetEarlierTour(QDir folder) {
     for (const QString& file : folder.entryList(own, QDir::Files)) {
         folder.remove(file);
     }
-    for (const char* file : {"DebugLog.txt", "tour-settings.ini"}) {
+    for (const char* file : {"DebugLog.txt", "tour-settings.ini", "default.dat", "tour car.dat",
+                             "other build.dat", "broken.dat"}) {
         folder.remove(QLatin1String(file));
     }
 }
 
 // An empty `file`: the whole tour.
-int Tour(const QString& folder, const zandrel::TourSetting& setting, const QString& file) {
+int Tour(const QString& folder, const zandrel::TourSetting& setting, const QString& file, bool again) {
     zandrel::ProgramFolder = folder.toStdString();
     zandrel::OpenSettingsStore(QDir(folder).filePath(QStringLiteral("tour-settings.ini")).toStdString());
     zandrel::LoadDesign();
@@ -102,6 +104,10 @@ int Tour(const QString& folder, const zandrel::TourSetting& setting, const QStri
         window.Mirror();
         window.show();
         window.BuildAllPages();
+        if (again) {
+            zandrel::ComeBackAsLeft(window);
+            return 0;
+        }
         zandrel::WalkThrough(window, setting);
     } catch (const zandrel::TourFailure& failure) {
         std::printf("            FAILED: %s\n", qPrintable(failure.Reason));
@@ -130,6 +136,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QString folder = QStringLiteral("tour");
     QString file;
+    bool again = false;  // the next run, that a tour has set up
     const QStringList arguments = QApplication::arguments();
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         if (arguments[i] == QStringLiteral("--help")) {
@@ -138,6 +145,8 @@ int main(int argc, char** argv) {
         }
         if (arguments[i] == QStringLiteral("--out") && i + 1 < arguments.size()) {
             folder = arguments[++i];
+        } else if (arguments[i] == QStringLiteral("--again")) {
+            again = true;
         } else if (!arguments[i].startsWith(QStringLiteral("--"))) {
             file = arguments.mid(i).join(QLatin1Char(' '));
             break;
@@ -151,7 +160,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "can't make the folder %s\n", qPrintable(folder));
         return 2;
     }
-    ForgetEarlierTour(QDir(folder));
+    if (!again) ForgetEarlierTour(QDir(folder));
 
     zandrel::SimulatedPowerFc simulators[zandrel::SimulatedCount];
     zandrel::TourSetting setting;
@@ -169,5 +178,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "ZANDREL_PORTS names no port from 1 to 16\n");
         return 2;
     }
-    return Tour(folder, setting, file);
+    setting.Folder = folder;
+    const int result = Tour(folder, setting, file, again);
+    if (result != 0 || !setting.OwnSimulator()) return result;
+    std::fflush(stdout);
+    return QProcess::execute(QApplication::applicationFilePath(),
+                             {QStringLiteral("--again"), QStringLiteral("--out"), folder});
 }

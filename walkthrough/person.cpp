@@ -3,9 +3,11 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QCompleter>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -95,16 +97,6 @@ QMenu& MenuNamed(const QString& name) {
     return *menu;
 }
 
-// A desktop makes the window active again when a menu or a message over it has closed; the offscreen screen
-// does not.
-void ComeBack() {
-    if (!Window->isVisible()) return;
-    QTest::qWait(5);
-    if (Window->isActiveWindow() || QApplication::activeModalWidget() != nullptr) return;
-    Window->activateWindow();
-    WaitUntil([] { return Window->isActiveWindow(); }, 5000, QStringLiteral("the window is not active"));
-}
-
 void Keep(const QPixmap& picture, const QString& name) {
     const QString file = QStringLiteral("%1-%2.png").arg(++Pictures, 2, 10, QLatin1Char('0')).arg(name);
     Require(picture.save(Folder.filePath(file)), QStringLiteral("can't write ") + file);
@@ -153,6 +145,14 @@ void Step(const QString& name, const std::function<QString()>& action) {
     std::printf("            %s (%lld ms)\n", qPrintable(found.isEmpty() ? QStringLiteral("done") : found),
                 static_cast<long long>(step.elapsed()));
     std::fflush(stdout);
+}
+
+void ComeBack() {
+    if (!Window->isVisible()) return;
+    QTest::qWait(5);
+    if (Window->isActiveWindow() || QApplication::activeModalWidget() != nullptr) return;
+    Window->activateWindow();
+    WaitUntil([] { return Window->isActiveWindow(); }, 5000, QStringLiteral("the window is not active"));
 }
 
 void Expect(const QString& text, const QString& caption) {
@@ -228,6 +228,25 @@ void ChooseItem(const std::vector<QString>& path) {
         if (next != nullptr) open = next;
     }
     ComeBack();
+}
+
+void ChooseFileBy(const std::vector<QString>& item, const QString& path) {
+    Once([] { return OnScreen(QStringLiteral("fileNameEdit")); },
+         [path] {
+             auto& name = static_cast<QLineEdit&>(Find(QStringLiteral("fileNameEdit")));
+             name.setFocus();
+             name.selectAll();
+             QTest::keyClicks(&name, path);
+             QTest::qWait(20);
+             Picture(QStringLiteral("file-dialog"));
+             // The names that the box offers would take the key, and a row that is selected goes before it.
+             name.completer()->popup()->hide();
+             for (auto* view : name.window()->findChildren<QAbstractItemView*>()) view->clearSelection();
+             name.setText(path);
+             QMetaObject::invokeMethod(name.window(), "accept", Qt::QueuedConnection);
+         });
+    ChooseItem(item);
+    Require(!OnScreen(QStringLiteral("FileDialog")), QStringLiteral("the file dialog did not close"));
 }
 
 void ChooseTab(int tab) {

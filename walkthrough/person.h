@@ -30,6 +30,10 @@ void Step(const QString& name, const std::function<QString()>& action);
 /// A message box that begins with `text` will come up in this step; the button with `caption` is clicked.
 void Expect(const QString& text, const QString& caption);
 
+/// A desktop makes the window active again when a menu or a message over it has closed; the offscreen screen
+/// does not.
+void ComeBack();
+
 /// The visible widget of that name (a control's name with its index, as "txtSetting(500)").
 QWidget& Find(const QString& name);
 
@@ -46,6 +50,9 @@ void Press(int key, int modifiers = 0);
 
 /// Clicks the item of the menu, which stands open.
 void ChooseInOpenMenu(const QString& menu, const QString& item);
+
+/// Chooses an item that opens a file dialog, types `path` there and presses Enter.
+void ChooseFileBy(const std::vector<QString>& item, const QString& path);
 
 /// Opens the menus of that path one by one and clicks the item ("mnuPort", "mnuCom(0)").
 void ChooseItem(const std::vector<QString>& path);

@@ -10,6 +10,7 @@
 
 #include "checks.h"
 #include "editing.h"
+#include "files.h"
 #include "image/accessors.h"
 #include "image/image.h"
 #include "link/identify.h"
@@ -266,12 +267,17 @@ void WalkThrough(QWidget& window, const TourSetting& setting) {
         window.activateWindow();
         WaitUntil([&window] { return window.isActiveWindow(); }, 5000,
                   QStringLiteral("the window is not active"));
+        ExpectToLoseChanges();
         QTest::keyClick(&window, Qt::Key_R, Qt::ControlModifier);
         Require(Grid[0].Revision > revision, QStringLiteral("Read All did not run"));
         return QStringLiteral("%1 blocks").arg(CountBlocksRead());
     });
-    if (setting.OwnSimulator()) EditAndSend(window, setting);
+    if (setting.OwnSimulator()) {
+        EditAndSend(window, setting);
+        WorkWithFiles(window, setting, setting.Folder);
+    }
     Step(QStringLiteral("Close the window"), [&window] {
+        ExpectToLoseChanges();
         window.close();
         Require(!window.isVisible() && !MSComm1.PortOpen(), QStringLiteral("it did not close"));
         return QString();

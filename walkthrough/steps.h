@@ -1,6 +1,7 @@
 // The steps of the tour: the main job from the chosen port to the closed window.
 #pragma once
 
+#include <QString>
 #include <vector>
 
 class QWidget;
@@ -14,6 +15,7 @@ enum Simulated { MainBuild, OldestBuild, AutomaticBuild, RefusingBuild, RotaryBu
 
 struct TourSetting {
     int PortNumber = 1;                         // COM port that the Power-FC is on
+    QString Folder;                             // of pictures and files
     std::vector<SimulatedPowerFc*> Simulators;  // empty: the Power-FC is not the tour's own
     bool OwnSimulator() const { return !Simulators.empty(); }
 };
