@@ -336,6 +336,17 @@ TEST_F(Journal, OfABuildThatIsNotKnown_IsToldAndKeptAsASnapshot) {
     EXPECT_EQ(FileBytes(ListSnapshots()[0].Path), image);
 }
 
+// A Read All that broke off leaves an image that no file would be accepted with; the edits in it count.
+TEST_F(Journal, OfAnImageThatLacksABlock_IsRecoveredAllTheSame) {
+    ReadData[0x8E].clear();
+    Edit(7);
+    Crash();
+    ASSERT_TRUE(RecoverJournal());
+    EXPECT_EQ(ReadData[0x8D][2], 7);
+    EXPECT_TRUE(ReadData[0x8E].empty());
+    EXPECT_TRUE(DataChanged);
+}
+
 class JournalOffer : public Journal {
   protected:
     JournalOffer() {

@@ -13,7 +13,9 @@
 #include "files/wholefile.h"
 #include "support/scripteddesktop.h"
 #include "tuning/settings.h"
+#include "util/desktop.h"
 #include "util/diagnostics.h"
+#include "util/store.h"
 
 namespace zandrel {
 namespace {
@@ -241,6 +243,30 @@ TEST_F(Snapshots, Opened_AsksForUnsavedDataAsAnyFile) {
               Box::SaveQuestion, Answer::Cancel);
     OpenSnapshot(0);
     EXPECT_EQ(Differences(before, Now()), "");
+}
+
+// A file saved beside the snapshots under their kind of name would go with the old ones.
+TEST_F(Snapshots, SaveAsAfterOneWasOpened_ProposesTheMaps) {
+    SaveSetting("Settings", "MapPath", Folder + "/Snapshots/");
+    std::filesystem::create_directories(Folder + "/Snapshots");
+    std::string folder;
+    Desktop.ChooseFile = [&folder](const FileChoice& choice) {
+        folder = choice.Folder;
+        return std::string();
+    };
+    SaveAs();
+    EXPECT_EQ(folder, Folder + "/Maps/");
+    std::filesystem::create_directories(Folder + "/Tunes");
+    SaveSetting("Settings", "MapPath", Folder + "/Tunes/");
+    SaveAs();
+    EXPECT_EQ(folder, Folder + "/Tunes/");
+}
+
+TEST_F(Snapshots, UnsavedWorkWithoutAName_IsKeptAsUnknown) {
+    DataText data;
+    data.Notes = "Before the rebuild\r\n";
+    KeepSnapshotOf(data, "2026-11-21 14.03.22");
+    EXPECT_EQ(Files(), Titles{"Unknown 2026-11-21 14.03.22.dat"});
 }
 
 }  // namespace

@@ -57,6 +57,10 @@ TEST_F(Scan, EveryCode_IsAskedForOnceAndKeptWithItsChecksum) {
 TEST_F(Scan, Cancel_KeepsWhatWasReadAndTheFlags) {
     ReadData[200] = "old";
     BlockChanged[3] = true;
+    MapCellChanged[1][2][3] = true;
+    DataChanged = true;
+    int kept = 0;
+    BeforeUnsavedIsReplaced = [&kept] { kept += ReadData[200] == "old" ? 1 : 10; };
     cmdUpdate.Enabled = true;
     OnYield([] {
         // The first yield brings the window up; the 101st is the one after code 99.
@@ -70,8 +74,10 @@ TEST_F(Scan, Cancel_KeepsWhatWasReadAndTheFlags) {
         EXPECT_EQ(ReadData[b].empty(), b >= 100) << b;
     }
     EXPECT_TRUE(BlockChanged[3]);
+    EXPECT_TRUE(MapCellChanged[1][2][3]);
     EXPECT_TRUE(cmdUpdate.Enabled);
     EXPECT_FALSE(ProgressScan.Visible);
+    EXPECT_EQ(kept, 1) << "unsaved work is kept before it is replaced";
 }
 
 TEST_F(Scan, WrongCodeOrSilence_LeavesTheBlockEmptyAfterOneSend) {

@@ -6,6 +6,7 @@
 
 #include "image/accessors.h"
 #include "image/image.h"
+#include "link/identify.h"
 #include "link/packets.h"
 #include "link/port.h"
 #include "link/progress.h"
@@ -679,6 +680,9 @@ TEST_F(Update, AnotherPowerFc_IsRefusedAndTold) {
     EXPECT_FALSE(cmdUpdate.Enabled);
     EXPECT_FALSE(cmdWriteAll.Enabled);
     EXPECT_EQ(MarkedBlocks(), (std::vector<int>{0x86, 0x8D}));
+    // A file saved now is one of the build that its blocks are of.
+    EXPECT_EQ(ReadVerName(), "RB26DETT");
+    EXPECT_EQ(ReadVerNumber(), "6.42");
     // Another edit enables the button; it stays a Power-FC that the image is not of.
     Bump(0x8D);
     ExpectBox(kFirstReadAllUpdate, Box::Critical);

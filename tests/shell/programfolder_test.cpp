@@ -40,12 +40,14 @@ TEST_F(ProgramFolders, FolderThatTakesNoFiles_GivesTheUsersOwnAndMakesIt) {
 }
 
 TEST_F(ProgramFolders, GivenHome_GoesBeforeBoth) {
-    EXPECT_EQ(ChooseProgramFolder("/given", Folder, Folder + "/user"), "/given");
+    const std::string given = Folder + "/not there yet/given";
+    EXPECT_EQ(ChooseProgramFolder(given, Folder, Folder + "/user"), given);
+    EXPECT_TRUE(fs::is_directory(given));
 }
 
 TEST_F(ProgramFolders, FileByItsNameAlone_GetsItsFolder) {
     for (const char* name : {"plain.dat", "two words.dat", "it's 100% \"so\".dat",
-                             "\u65e5\u672c \u0437\u0430\u043c\u0435\u0440.dat", "-a.dat"}) {
+                             "\u65e5\u672c \u0437\u0430\u043c\u0435\u0440.dat", "-a.dat", "\"quoted.dat\""}) {
         Make(name);
         EXPECT_EQ(CommandLinePath(name), (fs::current_path() / name).string());
     }

@@ -557,6 +557,23 @@ TEST_P(AfterCrash, UnsavedEdits_AreOfferedBeforeAnyFile) {
 
 INSTANTIATE_TEST_SUITE_P(StoreReadable, AfterCrash, testing::Bool());
 
+// A display mode that is none showed 0 in every cell for good, and a retry without end held the window.
+TEST_F(StartStop, NumbersThatMakeNoSense_CountAsNotThere) {
+    Store("InjMapType", "99");
+    Store("BaseMapType", "-1");
+    Store("MapColourScheme", "2");
+    Store("ComRetries", "2147483647");
+    Store("ComTimeOutTicks", "2147483647");
+    frmMain_Load();
+    EXPECT_EQ(InjMapDisplay, 0);
+    EXPECT_EQ(BaseMapDisplay, 0);
+    EXPECT_EQ(MapColourScheme, 1);
+    EXPECT_EQ(ComRetries, kDefaultComRetries);
+    EXPECT_EQ(txtComRetries, "2");
+    EXPECT_EQ(ComTimeOutTicks, kDefaultComTimeOutTicks);
+    EXPECT_EQ(txtComTimeOut, "250");
+}
+
 TEST_F(StartStop, RubbishOfTheRightType_IsTakenWithoutHarm) {
     struct Row {
         const char *Key, *Value;
