@@ -32,7 +32,12 @@ std::size_t TakeDecimal(std::string_view text, double& value) {
         // Too small a number is a zero; too large a one is infinite and refused by the callers.
         long double wide = 0;
         const bool fits = std::from_chars(first, end, wide).ec == std::errc();
-        value = fits && wide < 1 ? 0.0 : std::numeric_limits<double>::infinity();
+        // Beyond even that only its form tells which it is.
+        const std::string_view form(first, static_cast<std::size_t>(end - first));
+        const auto power = form.find_first_of("eE");
+        const bool tiny = power == form.npos ? form.find_first_not_of('0') == form.find('.')
+                                             : form.substr(power + 1, 1) == "-";
+        value = (fits ? wide < 1 : tiny) ? 0.0 : std::numeric_limits<double>::infinity();
     }
     if (negative) value = -value;
     return static_cast<std::size_t>(end - text.data());

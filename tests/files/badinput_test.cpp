@@ -87,11 +87,17 @@ TEST_F(BadInput, OneGigabyteOfZeros) {
     ExpectRefused(kFormatError);
 }
 
+// As much as the disk gives a name to: 4 TiB, or half of it until it does.
 TEST_F(BadInput, MoreThanAnyMemory) {
     Put("bad.dat", "");
+    std::uintmax_t bytes = std::uintmax_t{1} << 42;
     std::error_code tooLarge;
-    std::filesystem::resize_file(Folder + "/bad.dat", std::uintmax_t{1} << 42, tooLarge);
-    if (tooLarge) GTEST_SKIP() << "This disk has no such files";
+    do {
+        tooLarge.clear();
+        std::filesystem::resize_file(Folder + "/bad.dat", bytes, tooLarge);
+        if (tooLarge) bytes /= 2;
+    } while (tooLarge && bytes > kLargest);
+    ASSERT_GT(bytes, kLargest);
     ExpectRefused(kFormatError);
 }
 

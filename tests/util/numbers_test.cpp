@@ -168,5 +168,16 @@ TEST(MinMaxSingle, SmallerAndLarger) {
     EXPECT_EQ(MaxSingle(1.5F, -2), 1.5F);
 }
 
+// What is beyond every type is a zero or too large, by the side on which it lies.
+TEST(Numbers, BeyondEveryType_IsZeroOrNone) {
+    EXPECT_EQ(StrictNumber("1e-9999"), 0);
+    EXPECT_EQ(StrictNumber("-1.5E-99999"), 0);
+    EXPECT_EQ(StrictNumber("0." + std::string(6000, '0') + "1"), 0);
+    EXPECT_EQ(StrictNumber("1e-400"), 0);
+    EXPECT_EQ(StrictNumber("1e9999"), std::nullopt);
+    EXPECT_EQ(StrictNumber(std::string(6000, '9')), std::nullopt);
+    EXPECT_EQ(StrictNumber(std::string(400, '9') + "e-9"), std::nullopt);
+}
+
 }  // namespace
 }  // namespace zandrel
